@@ -1,0 +1,45 @@
+// Small SSE2 helpers shared by the *_sse2.cpp kernels. Include only from those files.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace kvt::simd {
+
+inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+inline __m128i load_aligned(const void* p) { return _mm_load_si128(static_cast<const __m128i*>(p)); }
+inline void store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
+inline void store_aligned(void* p, __m128i v) { _mm_store_si128(static_cast<__m128i*>(p), v); }
+
+// 8 bytes into the low half, upper half zero.
+inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
+inline void store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
+
+// 4 bytes into lane 0; memcpy keeps unaligned access defined.
+inline __m128i load4(const void* p) {
+    int32_t v;
+    std::memcpy(&v, p, 4);
+    return _mm_cvtsi32_si128(v);
+}
+inline void store4(void* p, __m128i v) {
+    int32_t x = _mm_cvtsi128_si32(v);
+    std::memcpy(p, &x, 4);
+}
+
+// Sum of the four 32-bit lanes.
+inline int32_t hsum_epi32(__m128i v) {
+    v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 0, 3, 2)));
+    v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(2, 3, 0, 1)));
+    return _mm_cvtsi128_si32(v);
+}
+
+// Sum of the two 64-bit halves of a PSADBW result.
+inline int32_t hsum_sad(__m128i v) {
+    return _mm_cvtsi128_si32(_mm_add_epi32(v, _mm_unpackhi_epi64(v, v)));
+}
+
+inline bool is_aligned16(const void* p) { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; }
+
+}  // namespace kvt::simd

@@ -1,0 +1,151 @@
+// Reference-against-SIMD harness in the spirit of the codec projects' "checkasm":
+// identical random inputs go to the reference kernel and to the kernel the library dispatches
+// to (its SIMD twin); every output byte is compared and guard bytes around outputs are checked.
+// A failure prints the seed that reproduces it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "common/dispatch.h"
+
+namespace kvt::test {
+
+// Small deterministic generator (xorshift64*): same seed, same stream on every platform.
+class Rng {
+public:
+    explicit Rng(uint64_t seed) : s_(seed * 0x9E3779B97F4A7C15ull + 0x2545F4914F6CDD1Dull) {}
+    uint32_t next() {
+        s_ ^= s_ >> 12;
+        s_ ^= s_ << 25;
+        s_ ^= s_ >> 27;
+        return uint32_t((s_ * 0x2545F4914F6CDD1Dull) >> 32);
+    }
+    // Uniform in [lo, hi], both inclusive.
+    int uniform(int lo, int hi) { return lo + int(next() % uint32_t(int64_t(hi) - lo + 1)); }
+    bool coin() { return next() & 1; }
+    template <class T>
+    void fill(T* p, size_t n, int lo, int hi) {
+        for (size_t i = 0; i < n; ++i) p[i] = T(uniform(lo, hi));
+    }
+
+private:
+    uint64_t s_;
+};
+
+// A buffer of n elements placed `misalign` bytes past a 64-byte boundary, with guard bytes on
+// both sides. Contents start as a fixed pattern so that unwritten bytes compare equal.
+template <class T>
+class Guarded {
+public:
+    static constexpr size_t kGuard = 64;
+    static constexpr uint8_t kGuardByte = 0xA5;
+
+    explicit Guarded(size_t n, size_t misalign = 0)
+        : n_(n), off_(kGuard + misalign), raw_(kGuard * 2 + misalign + n * sizeof(T) + 64, kGuardByte) {
+        base_ = raw_.data() + (64 - reinterpret_cast<uintptr_t>(raw_.data()) % 64) % 64;
+    }
+    T* data() { return reinterpret_cast<T*>(base_ + off_); }
+    const T* data() const { return reinterpret_cast<const T*>(base_ + off_); }
+    size_t size() const { return n_; }
+    T& operator[](size_t i) { return data()[i]; }
+    bool guards_intact() const {
+        const uint8_t* p = base_ + off_;
+        for (size_t i = 1; i <= kGuard; ++i)
+            if (p[-ptrdiff_t(i)] != kGuardByte || p[n_ * sizeof(T) + i - 1] != kGuardByte) return false;
+        return true;
+    }
+    std::vector<uint8_t> bytes() const {
+        const uint8_t* p = base_ + off_;
+        return std::vector<uint8_t>(p, p + n_ * sizeof(T));
+    }
+
+private:
+    size_t n_, off_;
+    std::vector<uint8_t> raw_;
+    uint8_t* base_;
+};
+
+// A 2-D block of `rows` rows of `width` samples with a byte step that may exceed the width, be
+// misaligned or be negative (then data() is the top row, stored last in memory).
+template <class T>
+class Plane {
+public:
+    Plane(int width, int rows, int step, size_t misalign = 0)
+        : width_(width), rows_(rows), step_(step),
+          buf_(size_t(rows - 1) * size_t(step < 0 ? -step : step) / sizeof(T) + size_t(width), misalign) {}
+    int step() const { return step_; }
+    T* data() {
+        uint8_t* first = reinterpret_cast<uint8_t*>(buf_.data());
+        if (step_ < 0) first += size_t(rows_ - 1) * size_t(-step_);
+        return reinterpret_cast<T*>(first);
+    }
+    T* row(int y) { return reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(data()) + ptrdiff_t(y) * step_); }
+    void randomize(Rng& rng, int lo, int hi) { rng.fill(buf_.data(), buf_.size(), lo, hi); }
+    void fill(T v) {
+        for (size_t i = 0; i < buf_.size(); ++i) buf_[i] = v;
+    }
+    bool guards_intact() const { return buf_.guards_intact(); }
+    std::vector<uint8_t> bytes() const { return buf_.bytes(); }
+
+private:
+    int width_, rows_, step_;
+    Guarded<T> buf_;
+};
+
+// What one run of a trial produced, as named byte strings.
+class Outputs {
+public:
+    void add(const std::string& name, const void* p, size_t n) {
+        const uint8_t* b = static_cast<const uint8_t*>(p);
+        items_.push_back({name, std::vector<uint8_t>(b, b + n)});
+    }
+    template <class T>
+    void add(const std::string& name, const T& value) { add(name, &value, sizeof(T)); }
+    template <class Buf>
+    void add_buffer(const std::string& name, const Buf& buf) {
+        EXPECT_TRUE(buf.guards_intact()) << name << ": write outside the buffer";
+        const std::vector<uint8_t> b = buf.bytes();
+        add(name, b.data(), b.size());
+    }
+    // Empty when equal, else a description of the first difference.
+    static std::string diff(const Outputs& ref, const Outputs& simd);
+
+private:
+    struct Item {
+        std::string name;
+        std::vector<uint8_t> bytes;
+    };
+    std::vector<Item> items_;
+};
+
+enum class Impl { Ref, Simd };
+
+// Runs body(rng, impl, outputs) `trials` times for each implementation with the same seed per
+// trial and expects identical outputs. Skipped when the build has no SIMD kernels.
+template <class Body>
+void compare_kernels(const char* what, int trials, Body body) {
+    if (!KVT_HAVE_SSE2) GTEST_SKIP() << "built without SIMD kernels";
+    for (int t = 0; t < trials; ++t) {
+        const uint64_t seed = 0x6B7674ull * 1000 + uint64_t(t);
+        Rng r1(seed), r2(seed);
+        Outputs ref, simd;
+        body(r1, Impl::Ref, ref);
+        body(r2, Impl::Simd, simd);
+        const std::string d = Outputs::diff(ref, simd);
+        ASSERT_TRUE(d.empty()) << what << ", trial " << t << " (seed " << seed << "): " << d;
+    }
+}
+
+// Picks the reference or the dispatched kernel of a family by name.
+#define KVT_PICK(impl, name) ((impl) == ::kvt::test::Impl::Ref ? name##_ref : KVT_KERNEL(name))
+
+// Absolute path of a file in the shared code-table folder.
+std::string table_path(const std::string& file);
+
+}  // namespace kvt::test
