@@ -149,6 +149,10 @@ KVTAPI KvtStatus kvtiCountZeros8x8_16s_C1(const Kvt16s* pSrc, Kvt32u* pCount);
 
 /* ==== Motion estimation: block metrics ====================================================== */
 
+/* -- Residuals, residual sums and texture error -- */
+
+/* -- SAD, squared differences, variances, means and edges -- */
+
 #ifdef __cplusplus
 }
 #endif
