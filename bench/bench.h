@@ -12,6 +12,7 @@ namespace kvt::bench {
 using Body = std::function<void(benchmark::State&)>;
 
 // Registers row `name`: "<name>:ref", "<name>:simd" and, when given, "<name>:<baseline_name>".
+// A scalar-only kernel passes an empty `simd`; its row shows the reference time alone.
 int add_row(const std::string& name, Body ref, Body simd, const std::string& baseline_name = {},
             Body baseline = {});
 

@@ -10,7 +10,7 @@ namespace kvt::bench {
 
 int add_row(const std::string& name, Body ref, Body simd, const std::string& baseline_name, Body baseline) {
     benchmark::RegisterBenchmark((name + ":ref").c_str(), ref);
-    benchmark::RegisterBenchmark((name + ":simd").c_str(), simd);
+    if (simd) benchmark::RegisterBenchmark((name + ":simd").c_str(), simd);
     if (baseline) benchmark::RegisterBenchmark((name + ":" + baseline_name).c_str(), baseline);
     return 0;
 }
@@ -47,7 +47,8 @@ public:
                     "baseline (simd/baseline)");
         for (const std::string* name : names) {
             const Row& r = rows_.at(*name);
-            std::printf("%-44s %12.2f %12.2f %7.2fx", name->c_str(), r.ref, r.simd, r.simd > 0 ? r.ref / r.simd : 0.0);
+            if (r.simd > 0) std::printf("%-44s %12.2f %12.2f %7.2fx", name->c_str(), r.ref, r.simd, r.ref / r.simd);
+            else std::printf("%-44s %12.2f %12s %8s", name->c_str(), r.ref, "-", "-");
             if (r.base > 0) std::printf("   %s %.2f ns (%.2fx)", r.base_name.c_str(), r.base, r.simd / r.base);
             std::printf("\n");
         }
