@@ -8,8 +8,8 @@ using namespace simd;
 
 namespace {
 
-// Fills n bytes with a 16-byte pattern whose byte i belongs at dst + i (mod 16 for even shifts,
-// which is all the 8- and 16-bit fills need: 16-bit elements are at least 2-byte aligned).
+// Fills n >= 16 bytes with a 16-byte pattern whose byte i belongs at dst + i (mod 16 for even
+// shifts, which is all the 8- and 16-bit fills need: 16-bit elements are 2-byte aligned).
 // Unaligned head and tail stores overlap the aligned body; rewriting a byte with its own value
 // is harmless. `stream` selects cache-bypassing stores for the body.
 template <bool stream>
@@ -49,12 +49,17 @@ void fill_short(uint8_t* dst, size_t n, __m128i pattern) {
 }
 
 // Mid-sized byte fills go to the C library, whose memset the loader resolves to the widest
-// stores this processor has; that is faster than any 128-bit loop. Only fills whose pattern is
-// one repeated byte can take that route.
-void fill(uint8_t* dst, size_t n, __m128i pattern, bool byte_pattern, bool stream) {
+// stores this processor has (up to four times the bytes per store of SSE2). The byte goes to
+// memset as is: a round trip through a vector register would sit on its critical path.
+void fill_bytes(uint8_t* dst, size_t n, uint8_t val, bool stream) {
+    if (n <= 64) fill_short(dst, n, _mm_set1_epi8(char(val)));
+    else if (stream) fill_body<true>(dst, n, _mm_set1_epi8(char(val)));
+    else std::memset(dst, val, n);
+}
+
+// 16-bit patterns have no C library equivalent.
+void fill_words(uint8_t* dst, size_t n, __m128i pattern) {
     if (n <= 64) fill_short(dst, n, pattern);
-    else if (stream) fill_body<true>(dst, n, pattern);
-    else if (byte_pattern) std::memset(dst, _mm_cvtsi128_si32(pattern) & 0xFF, n);
     else fill_body<false>(dst, n, pattern);
 }
 
@@ -104,17 +109,17 @@ void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
 }  // namespace
 
 void set_8u_sse2(uint8_t val, uint8_t* dst, int len) {
-    fill(dst, size_t(len), _mm_set1_epi8(char(val)), true, len > kStreamSetBytes);
+    fill_bytes(dst, size_t(len), val, len > kStreamSetBytes);
 }
 
 void set_16s_sse2(int16_t val, int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
-    fill(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val), false, false);
+    fill_words(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val));
 }
 
 void zero_16s_sse2(int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
-    fill(reinterpret_cast<uint8_t*>(dst), n, _mm_setzero_si128(), true, int64_t(n) > kStreamZeroBytes);
+    fill_bytes(reinterpret_cast<uint8_t*>(dst), n, 0, int64_t(n) > kStreamZeroBytes);
 }
 
 void copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
@@ -129,13 +134,12 @@ void copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
 }
 
 void set_8u_c1r_sse2(uint8_t val, uint8_t* dst, int step, int width, int height) {
-    const __m128i pattern = _mm_set1_epi8(char(val));
     const bool stream = int64_t(width) * height > kStreamSetBytes;
     if (step == width) {
-        fill(dst, size_t(width) * size_t(height), pattern, true, stream);
+        fill_bytes(dst, size_t(width) * size_t(height), val, stream);
         return;
     }
-    for (int y = 0; y < height; ++y, dst += step) fill(dst, size_t(width), pattern, true, stream && width >= 16);
+    for (int y = 0; y < height; ++y, dst += step) fill_bytes(dst, size_t(width), val, stream);
 }
 
 namespace {
