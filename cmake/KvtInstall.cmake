@@ -15,5 +15,8 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/kvtvcConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/kvtvcConfig.cmake ${PROJECT_BINARY_DIR}/kvtvcConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kvtvc)
 
+# The .pc file finds its prefix relative to itself, so an installed tree can be moved.
+file(RELATIVE_PATH KVT_PC_UP "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" KVT_PC_UP "${KVT_PC_UP}")
 configure_file(cmake/kvtvc.pc.in ${PROJECT_BINARY_DIR}/kvtvc.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kvtvc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
