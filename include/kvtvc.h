@@ -145,6 +145,17 @@ KVTAPI KvtStatus kvtiCountZeros8x8_16s_C1(const Kvt16s* pSrc, Kvt32u* pCount);
 
 /* ==== Word bit cursor and VLC tables ======================================================== */
 
+/* Builds a lookup table from (code, value) records grouped by code length; free it with
+ * kvtiVCHuffmanFree_32s. */
+KVTAPI KvtStatus kvtiVCHuffmanInitAlloc_32s(const Kvt32s* pInputTable, KvtVCHuffmanSpec_32s** ppVLCSpec);
+/* As kvtiVCHuffmanInitAlloc_32s with (code, run, level) records. */
+KVTAPI KvtStatus kvtiVCHuffmanInitAllocRL_32s(const Kvt32s* pInputTable, KvtVCHuffmanSpec_32s** ppVLCSpec);
+/* Reads one code at the word cursor and stores its value; -74 when the code is not in the table. */
+KVTAPI KvtStatus kvtiVCHuffmanDecodeOne_1u32s(Kvt32u** ppBitStream, int* pOffset, Kvt32s* pDst,
+                                              const KvtVCHuffmanSpec_32s* pVLCSpec);
+/* Releases a built table and sets *ppVLCSpec to NULL; a NULL table is ignored. */
+KVTAPI KvtStatus kvtiVCHuffmanFree_32s(KvtVCHuffmanSpec_32s** ppVLCSpec);
+
 /* ==== H.263 / MPEG-4 bitstream: byte bit cursor, macroblock headers, motion vectors ========= */
 
 /* ==== Motion estimation: block metrics ====================================================== */
