@@ -157,6 +157,81 @@ KVTAPI KvtStatus kvtiVCHuffmanDecodeOne_1u32s(Kvt32u** ppBitStream, int* pOffset
 KVTAPI KvtStatus kvtiVCHuffmanFree_32s(KvtVCHuffmanSpec_32s** ppVLCSpec);
 
 /* ==== H.263 / MPEG-4 bitstream: byte bit cursor, macroblock headers, motion vectors ========= */
+/* The decoders take the byte cursor (ppBitStream, pBitOffset) first and leave it just past what
+ * they consumed; on any failure the cursor and the outputs are unchanged. A null ppBitStream,
+ * pBitOffset or *ppBitStream returns -8. The H.263 readers do not check the offset (keep it 0..7);
+ * the MPEG-4 readers return -105 for an offset outside 0..7. Vectors are in half samples. */
+
+/* Bit masks: entry i = 2^i - 1 (i = 0..32); the two tables are identical. */
+KVTAPI extern const Kvt32u _kvtGetBitsMask[33];
+KVTAPI extern const Kvt32u ownvBitMask[33];
+
+/* -- H.263 macroblock header codes (1 to 9 bits; stuffing gives 255) -- */
+/* MCBPC of an I-picture: *pDst = type (bits 0..2) | CBPC << 4, or 255; -109 on a bad code. */
+KVTAPI KvtStatus kvtiDecodeMCBPCIntra_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst);
+/* MCBPC of a P-picture (no INTER4V+Q): as above; -110 on a bad code. */
+KVTAPI KvtStatus kvtiDecodeMCBPCInter_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst);
+/* PB-frame MODB: *pDst = 0, 2 (MVDB follows) or 3 (CBPB and MVDB follow). */
+KVTAPI KvtStatus kvtiDecodeMODB_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst);
+/* CBPY in its inter reading (bit 3 = first luma block); -111 on a bad code. */
+KVTAPI KvtStatus kvtiDecodeCBPY_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst);
+/* Annex T DQUANT: 1x changes *pQuant by the table, 0xxxxx sets it; never clamped. */
+KVTAPI KvtStatus kvtiUpdateQuant_MQ_H263_1u32s_I(Kvt8u** ppBitStream, int* pBitOffset, Kvt32u* pQuant);
+
+/* -- H.263 motion vectors (baseline: MVD of Table 14, result wrapped into [-16, 15.5]) -- */
+/* *pDstMV = median(left, above, above-right) + MVD (H.263 6.1.1). The caller passes the
+ * candidate vectors of the macroblocks (or, with four vectors, the blocks) as the standard picks
+ * them: a zero vector for a candidate outside the picture on the left or right, or intra or not
+ * coded. -75 on an invalid MVD code. pDstMV may be one of the sources. */
+KVTAPI KvtStatus kvtiDecodeMV_H263(Kvt8u** ppBitStream, int* pBitOffset, const KvtMotionVec* pSrcMVLeft,
+                                   const KvtMotionVec* pSrcMVUpper, const KvtMotionVec* pSrcMVUpperRight,
+                                   KvtMotionVec* pDstMV);
+/* First row of a picture or of a GOB with a header: the above candidates are taken as the left
+ * one, so the predictor is pSrcMVLeft itself (zero vector at the left border). -75 as above. */
+KVTAPI KvtStatus kvtiDecodeMV_TopBorder_H263(Kvt8u** ppBitStream, int* pBitOffset,
+                                             const KvtMotionVec* pSrcMVLeft, KvtMotionVec* pDstMV);
+
+/* -- MPEG-4 motion vectors (ISO/IEC 14496-2 7.6.3); sets are 4 vectors, blocks 0..3 -- */
+/* P-VOP: one (mbType not 2 or 5) or four vectors against the median predictor, then padding of
+ * absent blocks. The valid flags (nonzero: neighbour usable) and pBlockPresent (4 bytes, nonzero:
+ * block not transparent) must be 4-byte aligned (-97); fcode 1..7 (-98); -101 on a bad code. */
+KVTAPI KvtStatus kvtiDecodePadMV_PVOP_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, const KvtMotionVec* pSrcMVLeftMB,
+                                            const KvtMotionVec* pSrcMVUpperMB,
+                                            const KvtMotionVec* pSrcMVUpperRightMB, KvtMotionVec* pDstMVCurMB,
+                                            const Kvt32u* pValidLeft, const Kvt32u* pValidUpper,
+                                            const Kvt32u* pValidUpperRight, const Kvt8u* pBlockPresent,
+                                            int fcode, int mbType);
+/* B-VOP forward vector: *pSrcDstMV (predictor) += decoded difference, wrapped by fcode. */
+KVTAPI KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
+                                                 int fcode);
+/* B-VOP backward vector: as the forward one. */
+KVTAPI KvtStatus kvtiDecodeMV_BVOP_Backward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
+                                                  int fcode);
+/* B-VOP interpolated: forward vector, then backward vector, each with its own fcode. */
+KVTAPI KvtStatus kvtiDecodeMV_BVOP_Interpolate_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
+                                                     KvtMotionVec* pSrcDstMVF, KvtMotionVec* pSrcDstMVB,
+                                                     int fcodeForward, int fcodeBackward);
+/* B-VOP direct mode: delta vector, then forward/backward sets from the co-located set scaled by
+ * TRB/TRD (*pColocatedFlag nonzero) or equal to the delta (zero); TRB, TRD >= 1 (-96). */
+KVTAPI KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
+                                                const KvtMotionVec* pSrcMVColocated, KvtMotionVec* pDstMVForward,
+                                                KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag,
+                                                int TRB, int TRD);
+/* B-VOP direct mode with a zero delta; reads no bits. */
+KVTAPI KvtStatus kvtiDecodeMV_BVOP_DirectSkip_MPEG4(const KvtMotionVec* pSrcMVColocated,
+                                                    KvtMotionVec* pDstMVForward, KvtMotionVec* pDstMVBackward,
+                                                    const Kvt32u* pColocatedFlag, int TRB, int TRD);
+/* Replaces the vectors of absent blocks (pBlockPresent[b] == 0) from their present neighbours. */
+KVTAPI KvtStatus kvtiPadMV_MPEG4(KvtMotionVec* pSrcDstMV, const Kvt8u* pBlockPresent);
+/* Chroma vector of a one-vector macroblock. */
+KVTAPI KvtStatus kvtiComputeChromaMV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV);
+/* Chroma vector of a four-vector macroblock from its present blocks. */
+KVTAPI KvtStatus kvtiComputeChroma4MV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
+                                            const Kvt8u* pBlockPresent);
+/* Keeps the size x size block at (xPos, yPos) moved by the vector inside *pRectRef; size 8 or 16
+ * (-95), rectangle at least twice the size in both directions (-6). */
+KVTAPI KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
+                                         const KvtRegionRect* pRectRef, Kvt32u xPos, Kvt32u yPos, int size);
 
 /* ==== Motion estimation: block metrics ====================================================== */
 
