@@ -238,6 +238,38 @@ KVTAPI KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVe
 /* -- Residuals, residual sums and texture error -- */
 
 /* -- SAD, squared differences, variances, means and edges -- */
+/* Block pointers and steps come first (current, then reference); no step is checked. mcType is the
+ * half-sample phase 0 (integer), 4 (vertical half), 8 (horizontal half) or 12 (both), fixed
+ * rounding: (a + b + 1) >> 1 and (a + b + c + d + 2) >> 2. The block is read plus one column
+ * (phases 8, 12) and one row (phases 4, 12) of the reference. */
+/* *pDstSAD = 16x16 SAD; only the blocks are checked (pDstSAD is written unchecked); other mcType values use mcType & 12. */
+KVTAPI KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt32s* pDstSAD, int mcType);
+/* *pDstSAD = 8x8 SAD; only the blocks are checked; mcType 0, 4 and 8 as above, any other value means both halves. */
+KVTAPI KvtStatus kvtiSAD8x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt32s* pDstSAD, int mcType);
+/* *pDstSAD = 4x4 SAD at the integer position. */
+KVTAPI KvtStatus kvtiSAD4x4_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt32s* pDstSAD);
+/* SADs of the four 8x8 quarters (top-left, top-right, bottom-left, bottom-right), integer position. */
+KVTAPI KvtStatus kvtiSAD16x16Blocks8x8_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16u* pDstSAD);
+/* SADs of the sixteen 4x4 sub-blocks in raster order, integer position. */
+KVTAPI KvtStatus kvtiSAD16x16Blocks4x4_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16u* pDstSAD);
+/* *pSqrDiff = 16x16 sum of squared differences; an mcType other than 0, 4, 8, 12 returns 0 and writes nothing. */
+KVTAPI KvtStatus kvtiSqrDiff16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, int mcType, Kvt32s* pSqrDiff);
+/* *pSqrDiff = 16x16 sum of (((F + B + 1) >> 1) - current)^2; each type's bits 8 and 4 pick its phase. */
+KVTAPI KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt32s* pSqrDiff);
+/* *pVar = Q - ((S * S) >> 8) over a 16x16 block (S sum, Q sum of squares). */
+KVTAPI KvtStatus kvtiVariance16x16_8u32s(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar);
+/* 8x8: *pMean = S (the sum itself), *pVar = (Q - (S >> 3)^2) >> 6. */
+KVTAPI KvtStatus kvtiVarMean8x8_8u32s_C1R(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar, Kvt32s* pMean);
+/* 8x8 of 16-bit values, step in bytes: column sums saturate at 16 bits; *pMean = S, *pVar = (Q - M) >> 6 with m = S / 8, M = m^2 (+1 if m < 0). */
+KVTAPI KvtStatus kvtiVarMean8x8_16s32s_C1R(const Kvt16s* pSrc, int srcStep, Kvt32s* pVar, Kvt32s* pMean);
+/* Per 8x8 quarter k of the residual: pMean[k] = (pSrcSum[k] - prediction sum) / 8, pVar[k] = (Q - M) >> 6 or 0, M = mean^2 (+1 if mean < 0); a bad mcType returns 0 and writes nothing. */
+KVTAPI KvtStatus kvtiVarMeanDiff16x16_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType);
+/* As kvtiVarMeanDiff16x16_8u32s_C1R for the two quarters of a 16x8 block, with M = mean^2 exactly. */
+KVTAPI KvtStatus kvtiVarMeanDiff16x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType);
+/* *pDst = sum of |sample - ((S + 128) >> 8)| over a 16x16 block; only pSrc is checked. */
+KVTAPI KvtStatus kvtiMeanAbsDev16x16_8u32s_C1R(const Kvt8u* pSrc, int srcStep, Kvt32s* pDst);
+/* *pRes = 1 when the flagged-position count of the 16x16 block passes countThreshold row by row (wrap-around compare), else 0. */
+KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt8u diffThreshold, Kvt8u countThreshold, Kvt8u* pRes);
 
 #ifdef __cplusplus
 }

@@ -54,4 +54,82 @@ inline void halfpel16(const uint8_t* p, intptr_t step, const HalfRoundVec& k, __
     }
 }
 
+// ---- Fixed rounding in the byte domain ------------------------------------------------------
+// PAVGB is exactly (a + b + 1) >> 1, the fixed fh and hf forms. Averaging two such averages
+// rounds up twice: avg(avg(a, b), avg(c, d)) exceeds (a + b + c + d + 2) >> 2 by one exactly when
+// a + b or c + d is odd and avg(a, b) + avg(c, d) is odd, so that bit is subtracted (verified
+// against the formula for all 2^32 inputs).
+
+// avg(a, b) and a ^ b of one row: the half of an hh prediction that the next row reuses.
+struct PairAvg {
+    __m128i avg, odd;
+};
+
+inline PairAvg pair_avg(__m128i a, __m128i b) { return {_mm_avg_epu8(a, b), _mm_xor_si128(a, b)}; }
+
+// (a + b + c + d + 2) >> 2 per byte from the pair of the upper row and the pair of the lower row.
+inline __m128i avg4_fixed(const PairAvg& top, const PairAvg& bot) {
+    const __m128i carry = _mm_and_si128(_mm_or_si128(top.odd, bot.odd), _mm_xor_si128(top.avg, bot.avg));
+    return _mm_sub_epi8(_mm_avg_epu8(top.avg, bot.avg), _mm_and_si128(carry, _mm_set1_epi8(1)));
+}
+
+// Loads one row of W (8 or 16) bytes; 8-byte rows fill the low half.
+template <int W>
+inline __m128i load_row(const uint8_t* p) {
+    static_assert(W == 8 || W == 16, "rows are 8 or 16 samples");
+    if constexpr (W == 16) return load(p);
+    else return load8(p);
+}
+
+// Rows y and y + 1 of an 8-wide block in one register (row y in the low half).
+inline __m128i load_2rows8(const uint8_t* p, intptr_t step) {
+    return _mm_castpd_si128(_mm_loadh_pd(_mm_castsi128_pd(load8(p)), reinterpret_cast<const double*>(p + step)));
+}
+
+// Fixed-rounding predictions of a block W samples wide, one row per next() call, top to bottom.
+// Reads exactly the samples the phase needs: the block, plus one column for hf and hh and one row
+// for fh and hh. Vertical phases carry the previous row's loads (or pair averages) forward.
+template <int type, int W>
+class FixedRows {
+public:
+    FixedRows(const uint8_t* ref, intptr_t step) : p_(ref), step_(step) {
+        if constexpr (type == kMcVertHalf) prev_ = load_row<W>(p_);
+        if constexpr (type == kMcBothHalf) top_ = pair_avg(load_row<W>(p_), load_row<W>(p_ + 1));
+    }
+
+    __m128i next() {
+        const uint8_t* p = p_;
+        p_ += step_;
+        if constexpr (type == kMcFull) {
+            return load_row<W>(p);
+        } else if constexpr (type == kMcHorHalf) {
+            return _mm_avg_epu8(load_row<W>(p), load_row<W>(p + 1));
+        } else if constexpr (type == kMcVertHalf) {
+            const __m128i below = load_row<W>(p_), r = _mm_avg_epu8(prev_, below);
+            prev_ = below;
+            return r;
+        } else {
+            const PairAvg bot = pair_avg(load_row<W>(p_), load_row<W>(p_ + 1));
+            const __m128i r = avg4_fixed(top_, bot);
+            top_ = bot;
+            return r;
+        }
+    }
+
+private:
+    const uint8_t* p_;
+    intptr_t step_;
+    __m128i prev_{};
+    PairAvg top_{};
+};
+
+// |a - b| per byte.
+inline __m128i absdiff_u8(__m128i a, __m128i b) { return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a)); }
+
+// Sum of squares of the 16 byte-sized magnitudes in d, added into four 32-bit lanes.
+inline __m128i add_squares_u8(__m128i acc, __m128i d) {
+    const __m128i lo = widen_lo(d), hi = widen_hi(d);
+    return _mm_add_epi32(acc, _mm_add_epi32(_mm_madd_epi16(lo, lo), _mm_madd_epi16(hi, hi)));
+}
+
 }  // namespace kvt::simd

@@ -1,0 +1,20 @@
+// Kernel of the 16x16 edge detector: 1 for an edge block, else 0.
+#pragma once
+
+#include <cstdint>
+
+#include "common/dispatch.h"
+
+namespace kvt {
+
+uint8_t edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold);
+#if KVT_HAVE_SSE2
+uint8_t edges_16x16_sse2(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold);
+#endif
+
+// The decision after each row: the running count k against the count threshold n, both
+// negated modulo 256 and compared unsigned. For 1 <= k, n <= 255 this is k > n; k = 0 passes
+// whenever n is not 0, so a block whose first rows are flat is an edge block.
+inline bool edge_count_passes(uint8_t k, uint8_t n) { return uint8_t(0u - k) < uint8_t(0u - n); }
+
+}  // namespace kvt

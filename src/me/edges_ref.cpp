@@ -1,0 +1,27 @@
+// Reference edge detector, written plainly from the definition.
+#include <algorithm>
+#include <cstdlib>
+
+#include "me/edges_kernels.h"
+
+namespace kvt {
+
+// Rows 0..14 against their right and lower neighbours, columns 0..14; differences clamped to
+// 127 and compared with the threshold as signed 8-bit values (128 and above flag everything).
+uint8_t edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold) {
+    const int8_t t = int8_t(diff_threshold);
+    uint8_t k = 0;
+    for (int r = 0; r < 15; ++r) {
+        const uint8_t* row = src + intptr_t(r) * step;
+        const uint8_t* below = row + step;
+        for (int i = 0; i < 15; ++i) {
+            const int h = std::min(std::abs(row[i] - row[i + 1]), 127);
+            const int v = std::min(std::abs(row[i] - below[i]), 127);
+            if (int8_t(h) > t || int8_t(v) > t) ++k;
+        }
+        if (edge_count_passes(k, count_threshold)) return 1;
+    }
+    return 0;
+}
+
+}  // namespace kvt

@@ -1,0 +1,108 @@
+// SSE2 SAD kernels: PSADBW on byte predictions (halfpel_sse2.h gives the exact fixed rounding).
+#include "me/halfpel_sse2.h"
+#include "me/sad_kernels.h"
+
+namespace kvt {
+
+using namespace simd;
+
+namespace {
+
+// Fixed-rounding predictions of rows y and y + 1 of an 8-wide block at p (row y).
+template <int type>
+inline __m128i pred_2rows8(const uint8_t* p, intptr_t step) {
+    const __m128i a = load_2rows8(p, step);
+    if constexpr (type == kMcFull) return a;
+    else if constexpr (type == kMcHorHalf) return _mm_avg_epu8(a, load_2rows8(p + 1, step));
+    else if constexpr (type == kMcVertHalf) return _mm_avg_epu8(a, load_2rows8(p + step, step));
+    else
+        return avg4_fixed(pair_avg(a, load_2rows8(p + 1, step)),
+                          pair_avg(load_2rows8(p + step, step), load_2rows8(p + step + 1, step)));
+}
+
+// Two accumulators keep the 16 row additions off one dependency chain.
+template <int type>
+int32_t sad16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step) {
+    FixedRows<type, 16> pred(ref, ref_step);
+    const intptr_t cs = cur_step;
+    __m128i even = _mm_setzero_si128(), odd = _mm_setzero_si128();
+#pragma GCC unroll 8
+    for (int y = 0; y < 16; y += 2, cur += 2 * cs) {
+        even = _mm_add_epi64(even, _mm_sad_epu8(load(cur), pred.next()));
+        odd = _mm_add_epi64(odd, _mm_sad_epu8(load(cur + cs), pred.next()));
+    }
+    return hsum_sad(_mm_add_epi64(even, odd));
+}
+
+template <int type>
+int32_t sad8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step) {
+    const intptr_t cs = cur_step, rs = ref_step;
+    __m128i acc = _mm_setzero_si128();
+#pragma GCC unroll 4
+    for (int y = 0; y < 8; y += 2, cur += 2 * cs, ref += 2 * rs)
+        acc = _mm_add_epi64(acc, _mm_sad_epu8(load_2rows8(cur, cs), pred_2rows8<type>(ref, rs)));
+    return hsum_sad(acc);
+}
+
+// Four rows of a 4-wide block in one register.
+inline __m128i load_4rows4(const uint8_t* p, intptr_t step) {
+    const __m128i r01 = _mm_unpacklo_epi32(load4(p), load4(p + step));
+    const __m128i r23 = _mm_unpacklo_epi32(load4(p + 2 * step), load4(p + 3 * step));
+    return _mm_unpacklo_epi64(r01, r23);
+}
+
+// Gathers the 4-byte columns of a band of two rows: 64-bit lane k of `lo` holds column k of
+// rows 0 and 1 (k = 0, 1), lane k of `hi` column 2 + k.
+inline void columns4(const uint8_t* p, intptr_t step, __m128i& lo, __m128i& hi) {
+    const __m128i r0 = load(p), r1 = load(p + step);
+    lo = _mm_unpacklo_epi32(r0, r1);
+    hi = _mm_unpackhi_epi32(r0, r1);
+}
+
+// The four 4x4 SADs of one band of four rows as 32-bit lanes 0..3.
+inline __m128i band_sads4x4(const uint8_t* cur, intptr_t cs, const uint8_t* ref, intptr_t rs) {
+    __m128i c0, c1, c2, c3, r0, r1, r2, r3;
+    columns4(cur, cs, c0, c1);
+    columns4(cur + 2 * cs, cs, c2, c3);
+    columns4(ref, rs, r0, r1);
+    columns4(ref + 2 * rs, rs, r2, r3);
+    const __m128i left = _mm_add_epi64(_mm_sad_epu8(c0, r0), _mm_sad_epu8(c2, r2));   // blocks 0, 1
+    const __m128i right = _mm_add_epi64(_mm_sad_epu8(c1, r1), _mm_sad_epu8(c3, r3));  // blocks 2, 3
+    return _mm_unpacklo_epi64(_mm_shuffle_epi32(left, _MM_SHUFFLE(3, 1, 2, 0)),
+                              _mm_shuffle_epi32(right, _MM_SHUFFLE(3, 1, 2, 0)));
+}
+
+}  // namespace
+
+const SadFn sad_16x16_sse2[4] = {sad16_sse2<kMcFull>, sad16_sse2<kMcVertHalf>, sad16_sse2<kMcHorHalf>,
+                                 sad16_sse2<kMcBothHalf>};
+const SadFn sad_8x8_sse2[4] = {sad8_sse2<kMcFull>, sad8_sse2<kMcVertHalf>, sad8_sse2<kMcHorHalf>,
+                               sad8_sse2<kMcBothHalf>};
+
+int32_t sad_4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step) {
+    return hsum_sad(_mm_sad_epu8(load_4rows4(cur, cur_step), load_4rows4(ref, ref_step)));
+}
+
+void sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* out) {
+    const intptr_t cs = cur_step, rs = ref_step;
+    __m128i half[2];  // 64-bit lanes: left and right quarter of the upper, then the lower half
+    for (int h = 0; h < 2; ++h) {
+        __m128i acc = _mm_setzero_si128();
+#pragma GCC unroll 8
+        for (int y = 0; y < 8; ++y, cur += cs, ref += rs) acc = _mm_add_epi64(acc, _mm_sad_epu8(load(cur), load(ref)));
+        half[h] = _mm_shuffle_epi32(acc, _MM_SHUFFLE(3, 1, 2, 0));
+    }
+    const __m128i sums = _mm_unpacklo_epi64(half[0], half[1]);  // at most 16320: packs is exact
+    store8(out, _mm_packs_epi32(sums, sums));
+}
+
+void sad_16x16_blocks4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* out) {
+    const intptr_t cs = cur_step, rs = ref_step;
+    for (int b = 0; b < 4; b += 2, cur += 8 * cs, ref += 8 * rs) {
+        const __m128i upper = band_sads4x4(cur, cs, ref, rs);
+        const __m128i lower = band_sads4x4(cur + 4 * cs, cs, ref + 4 * rs, rs);
+        store(out + 4 * b, _mm_packs_epi32(upper, lower));  // at most 4080 each
+    }
+}
+
+}  // namespace kvt

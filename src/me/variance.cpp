@@ -1,0 +1,53 @@
+// Fronts of the variance and mean family.
+#include "kvtvc.h"
+#include "me/variance_kernels.h"
+
+using namespace kvt;
+
+namespace {
+
+bool is_phase_code(int mcType) { return mcType == 0 || mcType == 4 || mcType == 8 || mcType == 12; }
+
+}  // namespace
+
+KvtStatus kvtiVariance16x16_8u32s(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar) {
+    if (!pSrc || !pVar) return kvtStsNullPointer;
+    *pVar = KVT_KERNEL(variance_16x16)(pSrc, srcStep);
+    return kvtStsOk;
+}
+
+KvtStatus kvtiVarMean8x8_8u32s_C1R(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar, Kvt32s* pMean) {
+    if (!pSrc || !pVar || !pMean) return kvtStsNullPointer;
+    KVT_KERNEL(varmean_8x8_8u)(pSrc, srcStep, pVar, pMean);
+    return kvtStsOk;
+}
+
+KvtStatus kvtiVarMean8x8_16s32s_C1R(const Kvt16s* pSrc, int srcStep, Kvt32s* pVar, Kvt32s* pMean) {
+    if (!pSrc || !pVar || !pMean) return kvtStsNullPointer;
+    KVT_KERNEL(varmean_8x8_16s)(pSrc, srcStep, pVar, pMean);
+    return kvtStsOk;
+}
+
+// Only the four phase codes select a kernel; any other type succeeds without writing.
+KvtStatus kvtiVarMeanDiff16x16_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
+                                         const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType) {
+    if (!pSrcCur || !pSrcRef || !pSrcSum || !pVar || !pMean) return kvtStsNullPointer;
+    if (!is_phase_code(mcType)) return kvtStsOk;
+    KVT_KERNEL(varmeandiff_16x16)[mcType >> 2](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSrcSum, pVar, pMean);
+    return kvtStsOk;
+}
+
+KvtStatus kvtiVarMeanDiff16x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
+                                        const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType) {
+    if (!pSrcCur || !pSrcRef || !pSrcSum || !pVar || !pMean) return kvtStsNullPointer;
+    if (!is_phase_code(mcType)) return kvtStsOk;
+    KVT_KERNEL(varmeandiff_16x8)[mcType >> 2](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSrcSum, pVar, pMean);
+    return kvtStsOk;
+}
+
+// The result pointer is deliberately unchecked.
+KvtStatus kvtiMeanAbsDev16x16_8u32s_C1R(const Kvt8u* pSrc, int srcStep, Kvt32s* pDst) {
+    if (!pSrc) return kvtStsNullPointer;
+    *pDst = KVT_KERNEL(mean_abs_dev_16x16)(pSrc, srcStep);
+    return kvtStsOk;
+}

@@ -1,0 +1,88 @@
+// Reference kernels of the variance and mean family, written plainly from the definitions.
+#include <cstdlib>
+
+#include "common/arith.h"
+#include "me/halfpel.h"
+#include "me/variance_kernels.h"
+
+namespace kvt {
+
+namespace {
+
+// Sum and sum of squares of a W x H block of samples.
+template <int W, int H>
+void sums_ref(const uint8_t* src, int step, uint32_t& s, uint32_t& q) {
+    s = q = 0;
+    for (int y = 0; y < H; ++y)
+        for (int x = 0; x < W; ++x) {
+            const uint32_t v = src[intptr_t(y) * step + x];
+            s += v;
+            q += v * v;
+        }
+}
+
+// Per 8x8 quarter of a 16 x H block: prediction sum and sum of squared residuals.
+template <int H, int type>
+void varmeandiff_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+                     int32_t* var, int32_t* mean) {
+    for (int k = 0; k < H / 4; ++k) {
+        const int x0 = (k & 1) * 8, y0 = (k >> 1) * 8;
+        uint32_t p = 0, q = 0;
+        for (int y = y0; y < y0 + 8; ++y)
+            for (int x = x0; x < x0 + 8; ++x) {
+                const int pred = halfpel_at(ref, ref_step, x, y, type, kRoundFixed);
+                const int d = cur[intptr_t(y) * cur_step + x] - pred;
+                p += uint32_t(pred);
+                q += uint32_t(d * d);
+            }
+        varmeandiff_finish<H == 16>(sums[k], p, q, var + k, mean + k);
+    }
+}
+
+}  // namespace
+
+int32_t variance_16x16_ref(const uint8_t* src, int step) {
+    uint32_t s, q;
+    sums_ref<16, 16>(src, step, s, q);
+    return int32_t(q - ((s * s) >> 8));  // s * s < 2^32: 65280^2 fits unsigned
+}
+
+void varmean_8x8_8u_ref(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
+    uint32_t s, q;
+    sums_ref<8, 8>(src, step, s, q);
+    *mean = int32_t(s);
+    *var = int32_t((q - (s >> 3) * (s >> 3)) >> 6);
+}
+
+void varmean_8x8_16s_ref(const int16_t* src, int step, int32_t* var, int32_t* mean) {
+    int32_t s = 0;
+    uint32_t q = 0;
+    for (int x = 0; x < 8; ++x) {
+        int16_t column = 0;
+        for (int y = 0; y < 8; ++y) {
+            const int16_t v = *reinterpret_cast<const int16_t*>(reinterpret_cast<const uint8_t*>(src) + intptr_t(y) * step +
+                                                                2 * x);
+            column = sat16(column + v);
+            q += uint32_t(v * v);
+        }
+        s += column;
+    }
+    varmean16s_finish(s, q, var, mean);
+}
+
+const VarMeanDiffFn varmeandiff_16x16_ref[4] = {varmeandiff_ref<16, kMcFull>, varmeandiff_ref<16, kMcVertHalf>,
+                                                varmeandiff_ref<16, kMcHorHalf>, varmeandiff_ref<16, kMcBothHalf>};
+const VarMeanDiffFn varmeandiff_16x8_ref[4] = {varmeandiff_ref<8, kMcFull>, varmeandiff_ref<8, kMcVertHalf>,
+                                               varmeandiff_ref<8, kMcHorHalf>, varmeandiff_ref<8, kMcBothHalf>};
+
+int32_t mean_abs_dev_16x16_ref(const uint8_t* src, int step) {
+    uint32_t s, q;
+    sums_ref<16, 16>(src, step, s, q);
+    const int mean = int((s + 128) >> 8);
+    int32_t sum = 0;
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x) sum += std::abs(src[intptr_t(y) * step + x] - mean);
+    return sum;
+}
+
+}  // namespace kvt
