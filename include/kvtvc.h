@@ -236,6 +236,38 @@ KVTAPI KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVe
 /* ==== Motion estimation: block metrics ====================================================== */
 
 /* -- Residuals, residual sums and texture error -- */
+/* Residual of a 16x16 block against a half-sample prediction (wide rounding form); mcType & 12
+ * selects the phase, pDstPredictor may be NULL, otherwise it receives the prediction. */
+KVTAPI KvtStatus kvtiGetDiff16x16_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+/* As kvtiGetDiff16x16_8u16s_C1 for a 16x8 block (wide rounding form). */
+KVTAPI KvtStatus kvtiGetDiff16x8_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+/* As kvtiGetDiff16x16_8u16s_C1 for an 8x16 block (narrow rounding form). */
+KVTAPI KvtStatus kvtiGetDiff8x16_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+/* As kvtiGetDiff16x16_8u16s_C1 for an 8x8 block (narrow rounding form). */
+KVTAPI KvtStatus kvtiGetDiff8x8_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+/* As kvtiGetDiff16x16_8u16s_C1 for an 8x4 block (narrow rounding form). */
+KVTAPI KvtStatus kvtiGetDiff8x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+/* Residual current - reference of a 4x4 block at the integer position. */
+KVTAPI KvtStatus kvtiGetDiff4x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep);
+/* Residual of a 16x16 block against the truncating average of two half-sample predictions. */
+KVTAPI KvtStatus kvtiGetDiff16x16B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+/* As kvtiGetDiff16x16B_8u16s_C1 for a 16x8 block. */
+KVTAPI KvtStatus kvtiGetDiff16x8B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+/* As kvtiGetDiff16x16B_8u16s_C1 for an 8x16 block. */
+KVTAPI KvtStatus kvtiGetDiff8x16B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+/* As kvtiGetDiff16x16B_8u16s_C1 for an 8x8 block. */
+KVTAPI KvtStatus kvtiGetDiff8x8B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+/* As kvtiGetDiff16x16B_8u16s_C1 for an 8x4 block. */
+KVTAPI KvtStatus kvtiGetDiff8x4B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+/* Sums of current - prediction over the sixteen 4x4 sub-blocks of a 16x16 block (raster order);
+ * pDiff may be NULL, otherwise it receives the residual as sixteen 4x4 tiles of 16 values. */
+KVTAPI KvtStatus kvtiSumsDiff16x16Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred, int predStep, Kvt16s* pSums, Kvt16s* pDiff);
+/* As kvtiSumsDiff16x16Blocks4x4_8u16s_C1 for the four 4x4 sub-blocks of an 8x8 block. */
+KVTAPI KvtStatus kvtiSumsDiff8x8Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred, int predStep, Kvt16s* pSums, Kvt16s* pDiff);
+/* 8x8 residual source - prediction (64 contiguous samples) and its SAD; -5 on a NULL pointer. */
+KVTAPI KvtStatus kvtiComputeTextureErrorBlock_SAD_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred, Kvt16s* pDstDiff, Kvt32s* pDstSAD);
+/* 8x8 residual source - prediction (64 contiguous samples); -5 on a NULL pointer. */
+KVTAPI KvtStatus kvtiComputeTextureErrorBlock_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred, Kvt16s* pDstDiff);
 
 /* -- SAD, squared differences, variances, means and edges -- */
 /* Block pointers and steps come first (current, then reference); no step is checked. mcType is the
