@@ -13,8 +13,8 @@
 namespace kvt {
 
 struct CodeEntry {
-    int32_t value;
-    int32_t length;  // 0: no valid code begins with these bits
+    int16_t value;
+    int16_t length;  // 0: no valid code begins with these bits
 };
 
 struct CodeSpec {
@@ -48,9 +48,17 @@ constexpr std::array<CodeEntry, N> build_code_table(int width, uint32_t base, co
         const uint32_t end = first + (uint32_t(1) << (width - len));
         const uint32_t lo = first > base ? first : base;
         const uint32_t hi = end < base + N ? end : uint32_t(base + N);
-        for (uint32_t v = lo; v < hi; ++v) t[v - base] = CodeEntry{codes[c].value, len};
+        for (uint32_t v = lo; v < hi; ++v) t[v - base] = CodeEntry{int16_t(codes[c].value), int16_t(len)};
     }
     return t;
+}
+
+// True when every index from `from` on starts a code.
+template <size_t N>
+constexpr bool covers(const std::array<CodeEntry, N>& t, size_t from) {
+    for (size_t i = from; i < N; ++i)
+        if (t[i].length == 0) return false;
+    return true;
 }
 
 }  // namespace kvt

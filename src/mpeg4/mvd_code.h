@@ -25,26 +25,26 @@ inline constexpr CodeSpec kMvdCodes[] = {
 inline constexpr auto kMvdShort = build_code_table<124>(7, 4, kMvdCodes);
 inline constexpr auto kMvdLong = build_code_table<128>(12, 0, kMvdCodes);
 
-template <size_t N>
-constexpr bool covers(const std::array<CodeEntry, N>& t, size_t from) {
-    for (size_t i = from; i < N; ++i)
-        if (t[i].length == 0) return false;
-    return true;
-}
 static_assert(covers(kMvdShort, 0) && covers(kMvdLong, 2), "every look-ahead from 2 up is a code");
 
-// Reads one difference component; false (cursor partly advanced) when the code is invalid.
+// Reads one difference component; false (cursor unchanged) when the code is invalid. One
+// look-ahead covers the longest component: a 12-bit code, the sign and 6 residual bits.
 inline bool read_mvd_component(ByteCursor& c, int rsize, int* diff) {
-    const uint32_t v = c.show(12);
+    const uint32_t w = c.show(19);
+    const uint32_t v = w >> 7;
     if (v < 2) return false;
     const CodeEntry e = v >= 128 ? kMvdShort[(v >> 5) - 4] : kMvdLong[v];
-    c.skip(e.length);
-    int mag = e.value;
-    if (mag != 0) {
-        const bool negative = c.get(1) != 0;
-        if (rsize > 0) mag = ((mag - 1) << rsize) + int(c.get(uint32_t(rsize))) + 1;
-        if (negative) mag = -mag;
-    }
+    // A zero magnitude has no sign and no residual; the masks keep this free of branches, which
+    // random-looking data would mispredict half the time.
+    const int nonzero = -int(e.value != 0);
+    const int sign_at = 18 - e.length;  // bit of w holding the sign
+    const int negative = int((w >> sign_at) & 1) & nonzero;
+    const int r = int((w >> (sign_at - rsize)) & low_mask(uint32_t(rsize)));
+    // ((code - 1) << r_size) + r + 1, in unsigned arithmetic: the code 0 is masked off after.
+    int mag = int(((uint32_t(e.value) - 1u) << rsize) + uint32_t(r) + 1u) & nonzero;
+    mag = (mag ^ -negative) + negative;
+    const int len = e.length + ((1 + rsize) & nonzero);
+    c.skip(len);
     *diff = mag;
     return true;
 }
