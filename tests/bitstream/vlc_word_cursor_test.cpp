@@ -60,20 +60,6 @@ TEST(WordCursor, ShowReadAndGiveBackMatchTheBitModel) {
     }
 }
 
-TEST(WordCursor, ReadsTheNextWordOnlyWhenItNeedsIt) {
-    // The word after the stream is never valid memory for the cursor to touch here: a read that
-    // ends exactly on bit 0 must not look at it.
-    std::vector<uint32_t> w{0x12345678u};
-    WordCursor c{w.data(), 11};
-    EXPECT_EQ(wc_read(c, 12), 0x678u);
-    EXPECT_EQ(c.word, w.data() + 1);
-    EXPECT_EQ(c.offset, 31);
-    wc_give_back(c, 4);
-    EXPECT_EQ(c.word, w.data());
-    EXPECT_EQ(c.offset, 3);
-    EXPECT_EQ(wc_show(c, 4), 0x8u);
-}
-
 TEST(VlcCursor, MissReadsTheRootAndReportsTheMarker) {
     // Empty description: every lookup fails after reading the root's 4 bits.
     for (int offset : {31, 2, 0}) {
