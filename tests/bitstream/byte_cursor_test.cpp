@@ -52,23 +52,6 @@ TEST(ByteCursor, ShowAndGetMatchTheBitModelAtEveryOffsetAndCount) {
     }
 }
 
-TEST(ByteCursor, DocumentedReads) {
-    uint8_t s[8] = {0xA5, 0x3C, 0xFF, 0x01, 0x80, 0, 0, 0};
-    uint8_t* p = s;
-    int o = 0;
-    EXPECT_EQ(ownGetBits(&p, &o, 8), 0xA5u);  // offset 0: the whole current byte
-    EXPECT_EQ(p, s + 1);
-    EXPECT_EQ(o, 0);
-    p = s;
-    o = 7;
-    EXPECT_EQ(ownGetBits(&p, &o, 9), 0x13Cu);  // last bit of byte 0 and all of byte 1
-    EXPECT_EQ(p, s + 2);
-    EXPECT_EQ(o, 0);
-    // 31 bits from offset 7 need all five look-ahead bytes.
-    EXPECT_EQ(ownShowBits(s, 7, 31), uint32_t(0xA53CFF0180ull >> 2) & 0x7FFFFFFFu);
-    EXPECT_EQ(ownShowBits(s, 3, 0), 0u);
-}
-
 TEST(ByteCursor, FlushMovesBothWaysAcrossBytes) {
     uint8_t s[8] = {};
     for (int off = 0; off < 8; ++off) {
@@ -126,23 +109,6 @@ TEST(ByteCursor, PutThreeBitsAtOffsetSix) {
     EXPECT_EQ(s[2], 0xFF);
     EXPECT_EQ(p, s + 1);
     EXPECT_EQ(o, 1);
-}
-
-TEST(ByteCursor, WrittenCodesReadBack) {
-    Rng rng(3);
-    std::vector<uint8_t> s(300, 0xEE);
-    std::vector<std::pair<uint32_t, int>> codes;
-    uint8_t* p = s.data();
-    int o = 0;
-    while (p < s.data() + 250) {
-        const int n = rng.uniform(1, 31);
-        const uint32_t v = rng.next() & low_mask(uint32_t(n));
-        PutBits(&p, &o, int(v), n);
-        codes.push_back({v, n});
-    }
-    p = s.data();
-    o = 0;
-    for (const auto& c : codes) ASSERT_EQ(ownGetBits(&p, &o, uint32_t(c.second)), c.first);
 }
 
 TEST(ByteCursor, MaskTables) {

@@ -79,26 +79,6 @@ TEST(H263Mv, RandomVectorsRoundTrip) {
     EXPECT_GT(wraps, 100);
 }
 
-TEST(H263Mv, MedianAndWrapCases) {
-    struct Case {
-        KvtMotionVec l, u, ur;
-        int dx, dy;
-        KvtMotionVec want;
-    };
-    const Case cases[] = {
-        {{4, -4}, {10, 0}, {-2, 8}, 0, 0, {4, 0}},      // component-wise median
-        {{31, -32}, {31, -32}, {0, 0}, 1, -1, {-32, 31}},  // 15.5 + 0.5 wraps to -16, and back
-        {{-32, 31}, {-32, 31}, {-32, 31}, -32, 31, {0, -2}},  // -64 and 62 wrap
-        {{0, 0}, {0, 0}, {5, 5}, -32, 31, {-32, 31}},   // zero vectors (outside, intra) still vote
-    };
-    for (const Case& k : cases) {
-        Stream s(mvd_table().at(k.dx) + mvd_table().at(k.dy));
-        KvtMotionVec mv{};
-        ASSERT_EQ(kvtiDecodeMV_H263(&s.p, &s.offset, &k.l, &k.u, &k.ur, &mv), kvtStsOk);
-        EXPECT_EQ(mv, k.want) << k.l << k.u << k.ur;
-    }
-}
-
 // The MPEG-4 code word for +32 is not in Table 14, and eleven zeros start no code; a valid
 // horizontal code before a bad vertical one is not consumed.
 TEST(H263Mv, InvalidCodesLeaveCursorAndVector) {
