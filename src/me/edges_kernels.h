@@ -1,4 +1,4 @@
-// Kernel of the 16x16 edge detector: 1 for an edge block, else 0.
+// Kernel of the 16x16 edge detector: *flag = 1 for an edge block, else 0.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,9 @@
 
 namespace kvt {
 
-uint8_t edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold);
+void edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold, uint8_t* flag);
 #if KVT_HAVE_SSE2
-uint8_t edges_16x16_sse2(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold);
+void edges_16x16_sse2(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold, uint8_t* flag);
 #endif
 
 // The decision after each row: the running count k against the count threshold n, both

@@ -8,7 +8,7 @@ namespace kvt {
 
 // Rows 0..14 against their right and lower neighbours, columns 0..14; differences clamped to
 // 127 and compared with the threshold as signed 8-bit values (128 and above flag everything).
-uint8_t edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold) {
+void edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold, uint8_t* flag) {
     const int8_t t = int8_t(diff_threshold);
     uint8_t k = 0;
     for (int r = 0; r < 15; ++r) {
@@ -19,9 +19,12 @@ uint8_t edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, ui
             const int v = std::min(std::abs(row[i] - below[i]), 127);
             if (int8_t(h) > t || int8_t(v) > t) ++k;
         }
-        if (edge_count_passes(k, count_threshold)) return 1;
+        if (edge_count_passes(k, count_threshold)) {
+            *flag = 1;
+            return;
+        }
     }
-    return 0;
+    *flag = 0;
 }
 
 }  // namespace kvt

@@ -73,6 +73,13 @@ inline __m128i avg4_fixed(const PairAvg& top, const PairAvg& bot) {
     return _mm_sub_epi8(_mm_avg_epu8(top.avg, bot.avg), _mm_and_si128(carry, _mm_set1_epi8(1)));
 }
 
+// A row of the current block: aligned loads fold into the instruction that uses them.
+template <bool aligned>
+inline __m128i load_cur(const uint8_t* p) {
+    if constexpr (aligned) return load_aligned(p);
+    else return load(p);
+}
+
 // Loads one row of W (8 or 16) bytes; 8-byte rows fill the low half.
 template <int W>
 inline __m128i load_row(const uint8_t* p) {

@@ -1,5 +1,6 @@
 // Fronts of the SAD family: check the pointers the family checks, then run one kernel.
 #include "kvtvc.h"
+#include "me/phase.h"
 #include "me/sad_kernels.h"
 
 using namespace kvt;
@@ -10,7 +11,12 @@ using namespace kvt;
 KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                              Kvt32s* pDstSAD, int mcType) {
     if (!pSrcCur || !pSrcRef) return kvtStsNullPointer;
-    *pDstSAD = KVT_KERNEL(sad_16x16)[(mcType & 12) >> 2](pSrcCur, srcCurStep, pSrcRef, srcRefStep);
+    const bool aligned = aligned16(pSrcCur, srcCurStep);
+    with_phase(mcType & 12, [&](auto phase) {
+        constexpr int t = decltype(phase)::value;
+        if (aligned) KVT_KERNEL_A16(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
+        else KVT_KERNEL(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
+    });
     return kvtStsOk;
 }
 
@@ -18,15 +24,16 @@ KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* 
 KvtStatus kvtiSAD8x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                                Kvt32s* pDstSAD, int mcType) {
     if (!pSrcCur || !pSrcRef) return kvtStsNullPointer;
-    const int phase = mcType == 0 ? 0 : mcType == 4 ? 1 : mcType == 8 ? 2 : 3;
-    *pDstSAD = KVT_KERNEL(sad_8x8)[phase](pSrcCur, srcCurStep, pSrcRef, srcRefStep);
+    with_phase(mcType, [&](auto phase) {
+        KVT_KERNEL(sad_8x8)<decltype(phase)::value>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
+    });
     return kvtStsOk;
 }
 
 KvtStatus kvtiSAD4x4_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                            Kvt32s* pDstSAD) {
     if (!pSrcCur || !pSrcRef || !pDstSAD) return kvtStsNullPointer;
-    *pDstSAD = KVT_KERNEL(sad_4x4)(pSrcCur, srcCurStep, pSrcRef, srcRefStep);
+    KVT_KERNEL(sad_4x4)(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
     return kvtStsOk;
 }
 

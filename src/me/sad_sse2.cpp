@@ -1,5 +1,6 @@
 // SSE2 SAD kernels: PSADBW on byte predictions (halfpel_sse2.h gives the exact fixed rounding).
 #include "me/halfpel_sse2.h"
+#include "me/phase.h"
 #include "me/sad_kernels.h"
 
 namespace kvt {
@@ -21,27 +22,17 @@ inline __m128i pred_2rows8(const uint8_t* p, intptr_t step) {
 }
 
 // Two accumulators keep the 16 row additions off one dependency chain.
-template <int type>
-int32_t sad16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step) {
+template <int type, bool aligned>
+void sad16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     FixedRows<type, 16> pred(ref, ref_step);
     const intptr_t cs = cur_step;
     __m128i even = _mm_setzero_si128(), odd = _mm_setzero_si128();
 #pragma GCC unroll 8
     for (int y = 0; y < 16; y += 2, cur += 2 * cs) {
-        even = _mm_add_epi64(even, _mm_sad_epu8(load(cur), pred.next()));
-        odd = _mm_add_epi64(odd, _mm_sad_epu8(load(cur + cs), pred.next()));
+        even = _mm_add_epi64(even, _mm_sad_epu8(pred.next(), load_cur<aligned>(cur)));
+        odd = _mm_add_epi64(odd, _mm_sad_epu8(pred.next(), load_cur<aligned>(cur + cs)));
     }
-    return hsum_sad(_mm_add_epi64(even, odd));
-}
-
-template <int type>
-int32_t sad8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step) {
-    const intptr_t cs = cur_step, rs = ref_step;
-    __m128i acc = _mm_setzero_si128();
-#pragma GCC unroll 4
-    for (int y = 0; y < 8; y += 2, cur += 2 * cs, ref += 2 * rs)
-        acc = _mm_add_epi64(acc, _mm_sad_epu8(load_2rows8(cur, cs), pred_2rows8<type>(ref, rs)));
-    return hsum_sad(acc);
+    *sad = hsum_sad(_mm_add_epi64(even, odd));
 }
 
 // Four rows of a 4-wide block in one register.
@@ -74,16 +65,38 @@ inline __m128i band_sads4x4(const uint8_t* cur, intptr_t cs, const uint8_t* ref,
 
 }  // namespace
 
-const SadFn sad_16x16_sse2[4] = {sad16_sse2<kMcFull>, sad16_sse2<kMcVertHalf>, sad16_sse2<kMcHorHalf>,
-                                 sad16_sse2<kMcBothHalf>};
-const SadFn sad_8x8_sse2[4] = {sad8_sse2<kMcFull>, sad8_sse2<kMcVertHalf>, sad8_sse2<kMcHorHalf>,
-                               sad8_sse2<kMcBothHalf>};
-
-int32_t sad_4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step) {
-    return hsum_sad(_mm_sad_epu8(load_4rows4(cur, cur_step), load_4rows4(ref, ref_step)));
+template <int type>
+void sad_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+    sad16<type, false>(cur, cur_step, ref, ref_step, sad);
 }
 
-void sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* out) {
+template <int type>
+void sad_16x16_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+    sad16<type, true>(cur, cur_step, ref, ref_step, sad);
+}
+
+template <int type>
+void sad_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+    const intptr_t cs = cur_step, rs = ref_step;
+    __m128i acc = _mm_setzero_si128();
+#pragma GCC unroll 4
+    for (int y = 0; y < 8; y += 2, cur += 2 * cs, ref += 2 * rs)
+        acc = _mm_add_epi64(acc, _mm_sad_epu8(load_2rows8(cur, cs), pred_2rows8<type>(ref, rs)));
+    *sad = hsum_sad(acc);
+}
+
+#define KVT_INSTANTIATE(t)                                                                   \
+    template void sad_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);     \
+    template void sad_16x16_a16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*); \
+    template void sad_8x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
+KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
+#undef KVT_INSTANTIATE
+
+void sad_4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+    *sad = hsum_sad(_mm_sad_epu8(load_4rows4(cur, cur_step), load_4rows4(ref, ref_step)));
+}
+
+void sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
     const intptr_t cs = cur_step, rs = ref_step;
     __m128i half[2];  // 64-bit lanes: left and right quarter of the upper, then the lower half
     for (int h = 0; h < 2; ++h) {
@@ -92,16 +105,16 @@ void sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* r
         for (int y = 0; y < 8; ++y, cur += cs, ref += rs) acc = _mm_add_epi64(acc, _mm_sad_epu8(load(cur), load(ref)));
         half[h] = _mm_shuffle_epi32(acc, _MM_SHUFFLE(3, 1, 2, 0));
     }
-    const __m128i sums = _mm_unpacklo_epi64(half[0], half[1]);  // at most 16320: packs is exact
-    store8(out, _mm_packs_epi32(sums, sums));
+    const __m128i all = _mm_unpacklo_epi64(half[0], half[1]);  // at most 16320: packs is exact
+    store8(sads, _mm_packs_epi32(all, all));
 }
 
-void sad_16x16_blocks4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* out) {
+void sad_16x16_blocks4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
     const intptr_t cs = cur_step, rs = ref_step;
     for (int b = 0; b < 4; b += 2, cur += 8 * cs, ref += 8 * rs) {
         const __m128i upper = band_sads4x4(cur, cs, ref, rs);
         const __m128i lower = band_sads4x4(cur + 4 * cs, cs, ref + 4 * rs, rs);
-        store(out + 4 * b, _mm_packs_epi32(upper, lower));  // at most 4080 each
+        store(sads + 4 * b, _mm_packs_epi32(upper, lower));  // at most 4080 each
     }
 }
 

@@ -1,5 +1,6 @@
 // Fronts of the squared-difference family.
 #include "kvtvc.h"
+#include "me/phase.h"
 #include "me/sqrdiff_kernels.h"
 
 using namespace kvt;
@@ -8,18 +9,33 @@ using namespace kvt;
 KvtStatus kvtiSqrDiff16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                                  int mcType, Kvt32s* pSqrDiff) {
     if (!pSrcCur || !pSrcRef || !pSqrDiff) return kvtStsNullPointer;
-    if (mcType != 0 && mcType != 4 && mcType != 8 && mcType != 12) return kvtStsOk;
-    *pSqrDiff = KVT_KERNEL(sqrdiff_16x16)[mcType >> 2](pSrcCur, srcCurStep, pSrcRef, srcRefStep);
+    if (!is_phase_code(mcType)) return kvtStsOk;
+    const bool aligned = aligned16(pSrcCur, srcCurStep);
+    with_phase(mcType, [&](auto phase) {
+        constexpr int t = decltype(phase)::value;
+        if (aligned) KVT_KERNEL_A16(sqrdiff_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
+        else KVT_KERNEL(sqrdiff_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
+    });
     return kvtStsOk;
 }
 
 // Each type contributes only its bits 8 and 4; with neither set the prediction is the sample
-// itself whatever the other bits, so the phase index covers every value exactly.
+// itself whatever the other bits, so the phase bits cover every value exactly.
 KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF,
                                   int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB,
                                   Kvt32s* pSqrDiff) {
     if (!pSrcCur || !pSrcRefF || !pSrcRefB || !pSqrDiff) return kvtStsNullPointer;
-    const int index = ((mcTypeF & 12) >> 2) | (mcTypeB & 12);
-    *pSqrDiff = KVT_KERNEL(sqrdiff_16x16b)[index](pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB);
+    const bool aligned = aligned16(pSrcCur, srcCurStep);
+    with_phase(mcTypeF & 12, [&](auto fwd) {
+        with_phase(mcTypeB & 12, [&](auto bwd) {
+            constexpr int tf = decltype(fwd)::value, tb = decltype(bwd)::value;
+            if (aligned)
+                KVT_KERNEL_A16(sqrdiff_16x16b)<tf, tb>(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB,
+                                                       pSqrDiff);
+            else
+                KVT_KERNEL(sqrdiff_16x16b)<tf, tb>(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB,
+                                                   pSqrDiff);
+        });
+    });
     return kvtStsOk;
 }

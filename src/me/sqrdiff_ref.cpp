@@ -1,21 +1,10 @@
 // Reference squared-difference kernels, written plainly from the definitions.
-#include "me/halfpel.h"
+#include "me/phase.h"
 #include "me/sqrdiff_kernels.h"
 
 namespace kvt {
 
 namespace {
-
-template <int type>
-int32_t sqrdiff_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step) {
-    int32_t sum = 0;
-    for (int y = 0; y < 16; ++y)
-        for (int x = 0; x < 16; ++x) {
-            const int d = cur[intptr_t(y) * cur_step + x] - halfpel_at(ref, ref_step, x, y, type, kRoundFixed);
-            sum += d * d;
-        }
-    return sum;
-}
 
 // The bidirectional form's own statement of the fixed rounding: h and v are the type's bits 8
 // and 4, and the +2 applies to any non-zero type, so the integer position gives (4a) >> 2 = a.
@@ -26,29 +15,40 @@ int fixed_pred_general(const uint8_t* ref, int step, int x, int y, int type) {
     return (p[0] + p[h] + p[down] + p[down + h] + (type != 0 ? 2 : 0)) >> 2;
 }
 
+}  // namespace
+
+template <int type>
+void sqrdiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum) {
+    int32_t s = 0;
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x) {
+            const int d = cur[intptr_t(y) * cur_step + x] - halfpel_at(ref, ref_step, x, y, type, kRoundFixed);
+            s += d * d;
+        }
+    *sum = s;
+}
+
 template <int tf, int tb>
-int32_t sqrdiff_b_ref(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                      int bwd_step) {
-    int32_t sum = 0;
+void sqrdiff_16x16b_ref(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
+                        int bwd_step, int32_t* sum) {
+    int32_t s = 0;
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) {
             const int f = fixed_pred_general(fwd, fwd_step, x, y, tf);
             const int b = fixed_pred_general(bwd, bwd_step, x, y, tb);
             const int d = ((f + b + 1) >> 1) - cur[intptr_t(y) * cur_step + x];
-            sum += d * d;
+            s += d * d;
         }
-    return sum;
+    *sum = s;
 }
 
-}  // namespace
-
-const SqrDiffFn sqrdiff_16x16_ref[4] = {sqrdiff_ref<kMcFull>, sqrdiff_ref<kMcVertHalf>, sqrdiff_ref<kMcHorHalf>,
-                                        sqrdiff_ref<kMcBothHalf>};
-
-#define KVT_SQRDIFF_B_ROW(tb) \
-    sqrdiff_b_ref<kMcFull, tb>, sqrdiff_b_ref<kMcVertHalf, tb>, sqrdiff_b_ref<kMcHorHalf, tb>, sqrdiff_b_ref<kMcBothHalf, tb>
-const SqrDiffBFn sqrdiff_16x16b_ref[16] = {KVT_SQRDIFF_B_ROW(kMcFull), KVT_SQRDIFF_B_ROW(kMcVertHalf),
-                                           KVT_SQRDIFF_B_ROW(kMcHorHalf), KVT_SQRDIFF_B_ROW(kMcBothHalf)};
-#undef KVT_SQRDIFF_B_ROW
+#define KVT_INSTANTIATE(t) \
+    template void sqrdiff_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
+#define KVT_INSTANTIATE_B(f, b) \
+    template void sqrdiff_16x16b_ref<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, int, int32_t*);
+KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
+KVT_FOR_EACH_PHASE_PAIR(KVT_INSTANTIATE_B)
+#undef KVT_INSTANTIATE
+#undef KVT_INSTANTIATE_B
 
 }  // namespace kvt

@@ -1,18 +1,14 @@
 // Fronts of the variance and mean family.
 #include "kvtvc.h"
+#include "me/phase.h"
 #include "me/variance_kernels.h"
 
 using namespace kvt;
 
-namespace {
-
-bool is_phase_code(int mcType) { return mcType == 0 || mcType == 4 || mcType == 8 || mcType == 12; }
-
-}  // namespace
-
 KvtStatus kvtiVariance16x16_8u32s(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar) {
     if (!pSrc || !pVar) return kvtStsNullPointer;
-    *pVar = KVT_KERNEL(variance_16x16)(pSrc, srcStep);
+    if (aligned16(pSrc, srcStep)) KVT_KERNEL_A16(variance_16x16)(pSrc, srcStep, pVar);
+    else KVT_KERNEL(variance_16x16)(pSrc, srcStep, pVar);
     return kvtStsOk;
 }
 
@@ -33,7 +29,10 @@ KvtStatus kvtiVarMeanDiff16x16_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, c
                                          const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType) {
     if (!pSrcCur || !pSrcRef || !pSrcSum || !pVar || !pMean) return kvtStsNullPointer;
     if (!is_phase_code(mcType)) return kvtStsOk;
-    KVT_KERNEL(varmeandiff_16x16)[mcType >> 2](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSrcSum, pVar, pMean);
+    with_phase(mcType, [&](auto phase) {
+        KVT_KERNEL(varmeandiff_16x16)<decltype(phase)::value>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSrcSum, pVar,
+                                                              pMean);
+    });
     return kvtStsOk;
 }
 
@@ -41,13 +40,16 @@ KvtStatus kvtiVarMeanDiff16x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, co
                                         const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType) {
     if (!pSrcCur || !pSrcRef || !pSrcSum || !pVar || !pMean) return kvtStsNullPointer;
     if (!is_phase_code(mcType)) return kvtStsOk;
-    KVT_KERNEL(varmeandiff_16x8)[mcType >> 2](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSrcSum, pVar, pMean);
+    with_phase(mcType, [&](auto phase) {
+        KVT_KERNEL(varmeandiff_16x8)<decltype(phase)::value>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSrcSum, pVar,
+                                                             pMean);
+    });
     return kvtStsOk;
 }
 
 // The result pointer is deliberately unchecked.
 KvtStatus kvtiMeanAbsDev16x16_8u32s_C1R(const Kvt8u* pSrc, int srcStep, Kvt32s* pDst) {
     if (!pSrc) return kvtStsNullPointer;
-    *pDst = KVT_KERNEL(mean_abs_dev_16x16)(pSrc, srcStep);
+    KVT_KERNEL(mean_abs_dev_16x16)(pSrc, srcStep, pDst);
     return kvtStsOk;
 }

@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "common/arith.h"
-#include "me/halfpel.h"
+#include "me/phase.h"
 #include "me/variance_kernels.h"
 
 namespace kvt {
@@ -23,7 +23,7 @@ void sums_ref(const uint8_t* src, int step, uint32_t& s, uint32_t& q) {
 
 // Per 8x8 quarter of a 16 x H block: prediction sum and sum of squared residuals.
 template <int H, int type>
-void varmeandiff_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
                      int32_t* var, int32_t* mean) {
     for (int k = 0; k < H / 4; ++k) {
         const int x0 = (k & 1) * 8, y0 = (k >> 1) * 8;
@@ -41,10 +41,10 @@ void varmeandiff_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int r
 
 }  // namespace
 
-int32_t variance_16x16_ref(const uint8_t* src, int step) {
+void variance_16x16_ref(const uint8_t* src, int step, int32_t* var) {
     uint32_t s, q;
     sums_ref<16, 16>(src, step, s, q);
-    return int32_t(q - ((s * s) >> 8));  // s * s < 2^32: 65280^2 fits unsigned
+    *var = int32_t(q - ((s * s) >> 8));  // s * s < 2^32: 65280^2 fits unsigned
 }
 
 void varmean_8x8_8u_ref(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
@@ -70,19 +70,33 @@ void varmean_8x8_16s_ref(const int16_t* src, int step, int32_t* var, int32_t* me
     varmean16s_finish(s, q, var, mean);
 }
 
-const VarMeanDiffFn varmeandiff_16x16_ref[4] = {varmeandiff_ref<16, kMcFull>, varmeandiff_ref<16, kMcVertHalf>,
-                                                varmeandiff_ref<16, kMcHorHalf>, varmeandiff_ref<16, kMcBothHalf>};
-const VarMeanDiffFn varmeandiff_16x8_ref[4] = {varmeandiff_ref<8, kMcFull>, varmeandiff_ref<8, kMcVertHalf>,
-                                               varmeandiff_ref<8, kMcHorHalf>, varmeandiff_ref<8, kMcBothHalf>};
+template <int type>
+void varmeandiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+                           int32_t* var, int32_t* mean) {
+    varmeandiff<16, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+}
 
-int32_t mean_abs_dev_16x16_ref(const uint8_t* src, int step) {
+template <int type>
+void varmeandiff_16x8_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+                          int32_t* var, int32_t* mean) {
+    varmeandiff<8, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+}
+
+#define KVT_INSTANTIATE(t)                                                                                       \
+    template void varmeandiff_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*,   \
+                                           int32_t*);                                                             \
+    template void varmeandiff_16x8_ref<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*, int32_t*);
+KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
+#undef KVT_INSTANTIATE
+
+void mean_abs_dev_16x16_ref(const uint8_t* src, int step, int32_t* dev) {
     uint32_t s, q;
     sums_ref<16, 16>(src, step, s, q);
     const int mean = int((s + 128) >> 8);
     int32_t sum = 0;
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) sum += std::abs(src[intptr_t(y) * step + x] - mean);
-    return sum;
+    *dev = sum;
 }
 
 }  // namespace kvt

@@ -1,5 +1,6 @@
 // SSE2 kernels of the variance and mean family: sums by PSADBW against zero, squares by PMADDWD.
 #include "me/halfpel_sse2.h"
+#include "me/phase.h"
 #include "me/variance_kernels.h"
 
 namespace kvt {
@@ -20,7 +21,7 @@ struct RowSums {
 // Quarter sums of a 16 x H residual: per band of 8 rows, the prediction sums of the left and
 // right quarters (64-bit lanes of p) and their squared residuals (ql, qr).
 template <int H, int type>
-void varmeandiff_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
                       int32_t* var, int32_t* mean) {
     FixedRows<type, 16> pred(ref, ref_step);
     for (int band = 0; band < H / 8; ++band) {
@@ -40,19 +41,24 @@ void varmeandiff_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int 
     }
 }
 
-}  // namespace
-
-int32_t variance_16x16_sse2(const uint8_t* src, int step) {
+template <bool aligned>
+void variance16(const uint8_t* src, int step, int32_t* var) {
     RowSums even, odd;
-#pragma GCC unroll 8
+#pragma GCC unroll 4
     for (int y = 0; y < 16; y += 2, src += 2 * intptr_t(step)) {
-        even.add(load(src));
-        odd.add(load(src + step));
+        even.add(load_cur<aligned>(src));
+        odd.add(load_cur<aligned>(src + step));
     }
     const uint32_t s = uint32_t(hsum_sad(_mm_add_epi64(even.s, odd.s)));
     const uint32_t q = uint32_t(hsum_epi32(_mm_add_epi32(even.q, odd.q)));
-    return int32_t(q - ((s * s) >> 8));
+    *var = int32_t(q - ((s * s) >> 8));
 }
+
+}  // namespace
+
+void variance_16x16_sse2(const uint8_t* src, int step, int32_t* var) { variance16<false>(src, step, var); }
+
+void variance_16x16_a16_sse2(const uint8_t* src, int step, int32_t* var) { variance16<true>(src, step, var); }
 
 void varmean_8x8_8u_sse2(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
     RowSums acc;
@@ -78,13 +84,28 @@ void varmean_8x8_16s_sse2(const int16_t* src, int step, int32_t* var, int32_t* m
     varmean16s_finish(s, uint32_t(hsum_epi32(q)), var, mean);
 }
 
-const VarMeanDiffFn varmeandiff_16x16_sse2[4] = {varmeandiff_sse2<16, kMcFull>, varmeandiff_sse2<16, kMcVertHalf>,
-                                                 varmeandiff_sse2<16, kMcHorHalf>, varmeandiff_sse2<16, kMcBothHalf>};
-const VarMeanDiffFn varmeandiff_16x8_sse2[4] = {varmeandiff_sse2<8, kMcFull>, varmeandiff_sse2<8, kMcVertHalf>,
-                                                varmeandiff_sse2<8, kMcHorHalf>, varmeandiff_sse2<8, kMcBothHalf>};
+template <int type>
+void varmeandiff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+                            int32_t* var, int32_t* mean) {
+    varmeandiff<16, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+}
+
+template <int type>
+void varmeandiff_16x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+                           int32_t* var, int32_t* mean) {
+    varmeandiff<8, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+}
+
+#define KVT_INSTANTIATE(t)                                                                                        \
+    template void varmeandiff_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*,   \
+                                            int32_t*);                                                             \
+    template void varmeandiff_16x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*,    \
+                                           int32_t*);
+KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
+#undef KVT_INSTANTIATE
 
 // Two passes over the block: the rounded mean first, then PSADBW against the broadcast mean.
-int32_t mean_abs_dev_16x16_sse2(const uint8_t* src, int step) {
+void mean_abs_dev_16x16_sse2(const uint8_t* src, int step, int32_t* dev) {
     const intptr_t st = step;
     __m128i s = _mm_setzero_si128();
 #pragma GCC unroll 16
@@ -93,7 +114,7 @@ int32_t mean_abs_dev_16x16_sse2(const uint8_t* src, int step) {
     __m128i acc = _mm_setzero_si128();
 #pragma GCC unroll 16
     for (int y = 0; y < 16; ++y) acc = _mm_add_epi64(acc, _mm_sad_epu8(load(src + y * st), mean));
-    return hsum_sad(acc);
+    *dev = hsum_sad(acc);
 }
 
 }  // namespace kvt

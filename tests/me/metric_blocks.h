@@ -6,7 +6,15 @@
 #include <cstdlib>
 
 #include "checkasm.h"
+#include "me/phase.h"
 #include "page_guard.h"
+
+// KVT_PICK for kernels templated over phases, and for the twins with aligned current blocks.
+#define KVT_PICK_T(impl, name, ...) \
+    ((impl) == ::kvt::test::Impl::Ref ? name##_ref<__VA_ARGS__> : KVT_KERNEL(name)<__VA_ARGS__>)
+#define KVT_PICK_A16_T(impl, name, ...) \
+    ((impl) == ::kvt::test::Impl::Ref ? name##_ref<__VA_ARGS__> : KVT_KERNEL_A16(name)<__VA_ARGS__>)
+#define KVT_PICK_A16(impl, name) ((impl) == ::kvt::test::Impl::Ref ? name##_ref : KVT_KERNEL_A16(name))
 
 namespace metric_test {
 
@@ -41,12 +49,20 @@ inline int random_step(Rng& rng, int width, int unit = 1) {
     return rng.coin() ? -s : s;
 }
 
-// A block of cols x rows samples with a random step, misalignment and pattern.
+// A step that is a multiple of 16, negative half the time.
+inline int random_step16(Rng& rng, int width) {
+    const int s = (width + 15) / 16 * 16 + 16 * rng.uniform(0, 2);
+    return rng.coin() ? -s : s;
+}
+
+// A block of cols x rows samples with a random step, misalignment and pattern; `aligned` puts
+// its rows on 16-byte boundaries.
 template <class T = uint8_t>
 struct Block {
     Plane<T> plane;
-    Block(Rng& rng, int cols, int rows, Pattern pat, int lo = 0, int hi = 255)
-        : plane(cols, rows, random_step(rng, cols, int(sizeof(T))), size_t(rng.uniform(0, 15)) * sizeof(T)) {
+    Block(Rng& rng, int cols, int rows, Pattern pat, int lo = 0, int hi = 255, bool aligned = false)
+        : plane(cols, rows, aligned ? random_step16(rng, cols * int(sizeof(T))) : random_step(rng, cols, int(sizeof(T))),
+                aligned ? 0 : size_t(rng.uniform(0, 15)) * sizeof(T)) {
         fill(plane, cols, rows, pat, rng, lo, hi);
     }
     T* data() { return plane.data(); }

@@ -36,10 +36,13 @@ int64_t anchor_sqr(const uint8_t* cur, int cs, const uint8_t* f, int fs, int tf,
     return s;
 }
 
+// A current block (aligned one time in three, for the aligned twins) and two references.
 struct Pair {
     Block<> cur, ref, ref2;
     Pair(Rng& rng, Pattern pc, Pattern pr)
-        : cur(rng, 16, 16, pc), ref(rng, 17, 17, pr), ref2(rng, 17, 17, random_pattern(rng)) {}
+        : cur(rng, 16, 16, pc, 0, 255, rng.uniform(0, 2) == 0), ref(rng, 17, 17, pr),
+          ref2(rng, 17, 17, random_pattern(rng)) {}
+    bool aligned() { return kvt::aligned16(cur.data(), cur.step()); }
 };
 
 }  // namespace
@@ -233,16 +236,35 @@ TEST(SadSimd, MatchesReference) {
     using namespace kvt;
     compare_kernels("sad", 400, [](Rng& rng, Impl impl, Outputs& out) {
         Pair b(rng, random_pattern(rng), random_pattern(rng));
-        const uint8_t *c = b.cur.data(), *r = b.ref.data();
-        const int cs = b.cur.step(), rs = b.ref.step();
-        for (int phase = 0; phase < 4; ++phase) {
-            out.add("sad16x16", KVT_PICK(impl, sad_16x16)[phase](c, cs, r, rs));
-            out.add("sad8x8", KVT_PICK(impl, sad_8x8)[phase](c, cs, r, rs));
-            out.add("sqrdiff", KVT_PICK(impl, sqrdiff_16x16)[phase](c, cs, r, rs));
-        }
-        for (int index = 0; index < 16; ++index)
-            out.add("sqrdiff_b", KVT_PICK(impl, sqrdiff_16x16b)[index](c, cs, r, rs, b.ref2.data(), b.ref2.step()));
-        out.add("sad4x4", KVT_PICK(impl, sad_4x4)(c, cs, r, rs));
+        const uint8_t *c = b.cur.data(), *r = b.ref.data(), *r2 = b.ref2.data();
+        const int cs = b.cur.step(), rs = b.ref.step(), rs2 = b.ref2.step();
+        int32_t s = 0;
+        for (int type : kPhaseTypes)
+            with_phase(type, [&](auto phase) {
+                constexpr int t = decltype(phase)::value;
+                KVT_PICK_T(impl, sad_16x16, t)(c, cs, r, rs, &s);
+                out.add("sad16x16", s);
+                KVT_PICK_T(impl, sad_8x8, t)(c, cs, r, rs, &s);
+                out.add("sad8x8", s);
+                KVT_PICK_T(impl, sqrdiff_16x16, t)(c, cs, r, rs, &s);
+                out.add("sqrdiff", s);
+                if (b.aligned()) {
+                    KVT_PICK_A16_T(impl, sad_16x16, t)(c, cs, r, rs, &s);
+                    out.add("sad16x16 aligned", s);
+                    KVT_PICK_A16_T(impl, sqrdiff_16x16, t)(c, cs, r, rs, &s);
+                    out.add("sqrdiff aligned", s);
+                }
+                for (int tb : kPhaseTypes)
+                    with_phase(tb, [&](auto bwd) {
+                        KVT_PICK_T(impl, sqrdiff_16x16b, t, decltype(bwd)::value)(c, cs, r, rs, r2, rs2, &s);
+                        out.add("sqrdiff_b", s);
+                        if (!b.aligned()) return;
+                        KVT_PICK_A16_T(impl, sqrdiff_16x16b, t, decltype(bwd)::value)(c, cs, r, rs, r2, rs2, &s);
+                        out.add("sqrdiff_b aligned", s);
+                    });
+            });
+        KVT_PICK(impl, sad_4x4)(c, cs, r, rs, &s);
+        out.add("sad4x4", s);
         Kvt16u q[4 + 2], s4[16 + 2];  // one guard entry on each side
         q[0] = q[5] = s4[0] = s4[17] = 0xBEEF;
         KVT_PICK(impl, sad_16x16_blocks8x8)(c, cs, r, rs, q + 1);

@@ -320,12 +320,16 @@ TEST(VarianceBounds, ReadsOnlyTheBlock) {
 TEST(VarianceSimd, MatchesReference) {
     using namespace kvt;
     compare_kernels("variance", 400, [](Rng& rng, Impl impl, Outputs& out) {
-        Block<> cur(rng, 16, 16, random_pattern(rng)), ref(rng, 17, 17, random_pattern(rng));
+        const bool aligned = rng.uniform(0, 2) == 0;
+        Block<> cur(rng, 16, 16, random_pattern(rng), 0, 255, aligned), ref(rng, 17, 17, random_pattern(rng));
         const uint8_t *c = cur.data(), *r = ref.data();
-        out.add("variance16x16", KVT_PICK(impl, variance_16x16)(c, cur.step()));
-        out.add("mad16x16", KVT_PICK(impl, mean_abs_dev_16x16)(c, cur.step()));
-        int32_t v[4], m[4];
-        KVT_PICK(impl, varmean_8x8_8u)(c, cur.step(), v, m);
+        const int cs = cur.step(), rs = ref.step();
+        int32_t v[4] = {}, m[4] = {};
+        KVT_PICK(impl, variance_16x16)(c, cs, v);
+        if (aligned) KVT_PICK_A16(impl, variance_16x16)(c, cs, v + 1);
+        KVT_PICK(impl, mean_abs_dev_16x16)(c, cs, v + 2);
+        out.add("variance16x16 (aligned), mad16x16", v, 3 * sizeof(int32_t));
+        KVT_PICK(impl, varmean_8x8_8u)(c, cs, v, m);
         out.add("varmean8u", v[0]);
         out.add("mean8u", m[0]);
         Block<int16_t> w(rng, 8, 8, random_pattern(rng), rng.coin() ? -32768 : -200, rng.coin() ? 32767 : 200);
@@ -334,17 +338,21 @@ TEST(VarianceSimd, MatchesReference) {
         out.add("mean16s", m[0]);
         int32_t sums[4];
         for (int32_t& s : sums) s = rng.coin() ? rng.uniform(0, 16320) : int32_t(rng.next());
-        for (int phase = 0; phase < 4; ++phase) {
-            std::fill(v, v + 4, -7);  // the 16x8 form writes two entries
-            std::fill(m, m + 4, -7);
-            KVT_PICK(impl, varmeandiff_16x16)[phase](c, cur.step(), r, ref.step(), sums, v, m);
-            out.add("varmeandiff16x16", v);
-            out.add("meandiff16x16", m);
-            KVT_PICK(impl, varmeandiff_16x8)[phase](c, cur.step(), r, ref.step(), sums, v, m);
-            out.add("varmeandiff16x8", v);
-            out.add("meandiff16x8", m);
-        }
+        for (int type : kPhaseTypes)
+            with_phase(type, [&](auto phase) {
+                constexpr int t = decltype(phase)::value;
+                std::fill(v, v + 4, -7);  // the 16x8 form writes two entries
+                std::fill(m, m + 4, -7);
+                KVT_PICK_T(impl, varmeandiff_16x16, t)(c, cs, r, rs, sums, v, m);
+                out.add("varmeandiff16x16", v);
+                out.add("meandiff16x16", m);
+                KVT_PICK_T(impl, varmeandiff_16x8, t)(c, cs, r, rs, sums, v, m);
+                out.add("varmeandiff16x8", v);
+                out.add("meandiff16x8", m);
+            });
         const uint8_t t = uint8_t(rng.coin() ? rng.uniform(0, 40) : rng.uniform(0, 255));
-        out.add("edges", KVT_PICK(impl, edges_16x16)(c, cur.step(), t, uint8_t(rng.next())));
+        uint8_t flag = 9;
+        KVT_PICK(impl, edges_16x16)(c, cs, t, uint8_t(rng.next()), &flag);
+        out.add("edges", flag);
     });
 }
