@@ -116,6 +116,7 @@ struct GetDiffSse2 {
     static void run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
                     int diff_step, int16_t* pred, int pred_step, int rounding) {
         Predictor<W / 8, Type> predictor(ref, ref_step, Wide ? round_wide(rounding) : round_narrow(rounding));
+        // Unrolled: the carried sums then rotate through registers without copies.
 #pragma GCC unroll 16
         for (int y = 0; y < H; ++y) {
             const Row<W / 8> p = predictor.next();

@@ -174,19 +174,27 @@ TEST(ResidualModel, PublicFunctionsMatchModel) {
                 ASSERT_EQ(s.fn(cur.data(), cur.step(), ref.data(), ref.step(), diff.data(), diff.step(),
                                pred.data(), pred.step(), type, r),
                           kvtStsOk);
-                const int fwd_type = type ^ 12;
-                ASSERT_EQ(s.fn_b(cur.data(), cur.step(), fwd.data(), fwd.step(), fwd_type, ref.data(),
-                                 ref.step(), type, diff_b.data(), diff_b.step(), r),
-                          kvtStsOk);
                 for (int y = 0; y < s.h; ++y) {
                     for (int x = 0; x < s.w; ++x) {
                         const int p = model_pred(ref.data(), ref.step(), x, y, type, r, s.w == 16);
-                        const int f = model_pred(fwd.data(), fwd.step(), x, y, fwd_type, r, false);
-                        const int b = model_pred(ref.data(), ref.step(), x, y, type, r, false);
                         ASSERT_EQ(pred.row(y)[x], p) << s.w << "x" << s.h << " type " << type << " r " << r;
                         ASSERT_EQ(diff.row(y)[x], cur.row(y)[x] - p)
                             << s.w << "x" << s.h << " at " << x << "," << y;
-                        ASSERT_EQ(diff_b.row(y)[x], cur.row(y)[x] - ((f + b) >> 1)) << s.w << "x" << s.h;
+                    }
+                }
+                // All sixteen forward / backward phase pairs, the stray bits of `type` on both.
+                for (int fwd_phase : kTypes) {
+                    const int fwd_type = fwd_phase | (type & ~12);
+                    ASSERT_EQ(s.fn_b(cur.data(), cur.step(), fwd.data(), fwd.step(), fwd_type, ref.data(),
+                                     ref.step(), type, diff_b.data(), diff_b.step(), r),
+                              kvtStsOk);
+                    for (int y = 0; y < s.h; ++y) {
+                        for (int x = 0; x < s.w; ++x) {
+                            const int f = model_pred(fwd.data(), fwd.step(), x, y, fwd_type, r, false);
+                            const int b = model_pred(ref.data(), ref.step(), x, y, type, r, false);
+                            ASSERT_EQ(diff_b.row(y)[x], cur.row(y)[x] - ((f + b) >> 1))
+                                << s.w << "x" << s.h << " types " << fwd_type << "/" << type;
+                        }
                     }
                 }
                 EXPECT_TRUE(diff.guards_intact() && pred.guards_intact() && diff_b.guards_intact());
