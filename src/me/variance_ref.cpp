@@ -1,5 +1,6 @@
 // Reference kernels of the variance and mean family, written plainly from the definitions.
 #include <cstdlib>
+#include <cstring>
 
 #include "common/arith.h"
 #include "me/phase.h"
@@ -60,8 +61,8 @@ void varmean_8x8_16s_ref(const int16_t* src, int step, int32_t* var, int32_t* me
     for (int x = 0; x < 8; ++x) {
         int16_t column = 0;
         for (int y = 0; y < 8; ++y) {
-            const int16_t v = *reinterpret_cast<const int16_t*>(reinterpret_cast<const uint8_t*>(src) + intptr_t(y) * step +
-                                                                2 * x);
+            int16_t v;  // the step is in bytes and need not be even
+            std::memcpy(&v, reinterpret_cast<const uint8_t*>(src) + intptr_t(y) * step + 2 * x, sizeof v);
             column = sat16(column + v);
             q += uint32_t(v * v);
         }
