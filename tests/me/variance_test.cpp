@@ -1,4 +1,4 @@
-// Variances, means, mean absolute deviation and the edge detector: statuses, documented cases,
+// Variances, means, mean absolute deviation and the edge detector: statuses, edge cases,
 // independent anchors, read bounds and SIMD twins.
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ struct Quarter {
     int64_t p = 0, q = 0;  // prediction sum, sum of squared residuals
 };
 
-// Anchor of VarMeanDiff: 64-bit sums, then the documented finish, written out separately.
+// Anchor of VarMeanDiff: 64-bit sums, then the finishing formula, written out separately.
 void anchor_varmeandiff(const uint8_t* c, int cs, const uint8_t* r, int rs, int h, int type, const int32_t* sums,
                         int32_t* var, int32_t* mean) {
     for (int k = 0; k < h / 4; ++k) {
@@ -57,7 +57,7 @@ void anchor_varmean16(const int16_t* src, int step, int32_t* var, int32_t* mean)
     *var = int32_t(uint32_t(q - uint32_t(m * m + (m < 0))) >> 6);
 }
 
-// Anchor of the edge detector with the count test written as in the standard text: modulo 256.
+// Anchor of the edge detector with the count test spelled out modulo 256.
 uint8_t anchor_edges(const uint8_t* src, int step, int t, int n) {
     const int st = t >= 128 ? t - 256 : t;
     int k = 0;
@@ -101,7 +101,7 @@ TEST(VarianceStatusDeathTest, MeanAbsDevResultPointerIsNotChecked) {
 }
 
 // Variance16x16 takes S * S unsigned: all 255 gives S^2 = 4261478400, beyond int32.
-TEST(Variance, DocumentedValuesAndUnsignedSquare) {
+TEST(Variance, FlatBlocksAndUnsignedSquare) {
     uint8_t b[16 * 16];
     Kvt32s v = -1, m = -1;
     std::fill(b, b + 256, 255);
@@ -217,7 +217,7 @@ TEST(VarMeanDiff, EveryPhaseMatchesAnchor) {
 
 // A flat block has no flagged position: with K = 0 the wrap-around test passes for any
 // non-zero count threshold, and no count passes a threshold of 0.
-TEST(Edges, DocumentedCountComparison) {
+TEST(Edges, WrapAroundCountComparison) {
     uint8_t b[16 * 16];
     std::fill(b, b + 256, 77);
     const struct {
