@@ -26,7 +26,7 @@ void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_s
     FixedRows<type, 16> pred(ref, ref_step);
     for (int band = 0; band < H / 8; ++band) {
         __m128i p = _mm_setzero_si128(), ql = _mm_setzero_si128(), qr = _mm_setzero_si128();
-#pragma GCC unroll 8
+#pragma GCC unroll 2  // wider unrolls spill at hh, worst with eight registers
         for (int y = 0; y < 8; ++y, cur += cur_step) {
             const __m128i pr = pred.next(), d = absdiff_u8(load(cur), pr);
             p = _mm_add_epi64(p, _mm_sad_epu8(pr, _mm_setzero_si128()));
