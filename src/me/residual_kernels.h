@@ -56,7 +56,7 @@ constexpr GetDiffBTable make_get_diff_b_table() {
     extern const GetDiffBTable get_diff_b_8x16_##isa;                                                \
     extern const GetDiffBTable get_diff_b_8x8_##isa;                                                 \
     extern const GetDiffBTable get_diff_b_8x4_##isa;                                                 \
-    /* sums[16] (+ sixteen 16-value tiles when diff is non-null) */                                  \
+    /* sums of the 4x4 sub-blocks, raster order; a non-null diff gets one 16-value tile each */      \
     void sums_diff_16x16_##isa(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, \
                                int16_t* sums, int16_t* diff);                                        \
     void sums_diff_8x8_##isa(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,   \

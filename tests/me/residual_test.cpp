@@ -137,6 +137,9 @@ TEST(ResidualRounding, NarrowAndWideForms) {
             const int want = s.w == 16 ? k.want16 : k.want8;
             EXPECT_EQ(pred[0], want) << s.w << "x" << s.h << " type " << k.type << " r " << k.r;
             EXPECT_EQ(diff[0], -want) << s.w << "x" << s.h;
+            // Any non-zero rounding control acts as 1.
+            ASSERT_EQ(s.fn(cur, 16, ref, 17, diff, 32, pred, 32, k.type, k.r ? -7 : 0), kvtStsOk);
+            EXPECT_EQ(pred[0], want) << s.w << "x" << s.h << " type " << k.type << " control -7";
         }
     }
 }
