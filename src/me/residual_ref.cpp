@@ -1,5 +1,5 @@
 // Reference kernels of the residual family, written sample by sample from the formulas.
-#include <type_traits>
+#include <cstring>
 
 #include "me/halfpel.h"
 #include "me/residual_kernels.h"
@@ -8,10 +8,14 @@ namespace kvt {
 
 namespace {
 
-template <class T>
-T* row_of(T* base, int step, int y) {
-    using Byte = std::conditional_t<std::is_const_v<T>, const uint8_t, uint8_t>;
-    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(base) + static_cast<intptr_t>(y) * step);
+inline const uint8_t* row_of(const uint8_t* base, int step, int y) {
+    return base + static_cast<intptr_t>(y) * step;
+}
+
+// 16-bit outputs are addressed with byte steps, which may be odd: store through memcpy.
+inline void put16(int16_t* base, int step, int x, int y, int v) {
+    const int16_t s = static_cast<int16_t>(v);
+    std::memcpy(reinterpret_cast<uint8_t*>(base) + static_cast<intptr_t>(y) * step + 2 * x, &s, sizeof s);
 }
 
 // Residual against one half-sample prediction; 16-wide blocks use the wide rounding form.
@@ -22,11 +26,10 @@ struct GetDiffRef {
         const HalfRound k = Wide ? round_wide(rounding) : round_narrow(rounding);
         for (int y = 0; y < H; ++y) {
             const uint8_t* c = row_of(cur, cur_step, y);
-            int16_t* d = row_of(diff, diff_step, y);
             for (int x = 0; x < W; ++x) {
                 const int p = halfpel_at(ref, ref_step, x, y, Type, k);
-                d[x] = static_cast<int16_t>(c[x] - p);
-                if constexpr (WithPred) row_of(pred, pred_step, y)[x] = static_cast<int16_t>(p);
+                put16(diff, diff_step, x, y, c[x] - p);
+                if constexpr (WithPred) put16(pred, pred_step, x, y, p);
             }
         }
     }
@@ -40,11 +43,10 @@ struct GetDiffBRef {
         const HalfRound k = round_narrow(rounding);
         for (int y = 0; y < H; ++y) {
             const uint8_t* c = row_of(cur, cur_step, y);
-            int16_t* d = row_of(diff, diff_step, y);
             for (int x = 0; x < W; ++x) {
                 const int f = halfpel_at(fwd, fwd_step, x, y, FwdType, k);
                 const int b = halfpel_at(bwd, bwd_step, x, y, BwdType, k);
-                d[x] = static_cast<int16_t>(c[x] - ((f + b) >> 1));
+                put16(diff, diff_step, x, y, c[x] - ((f + b) >> 1));
             }
         }
     }
@@ -88,8 +90,7 @@ void get_diff_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int 
                       int diff_step) {
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)
-            row_of(diff, diff_step, y)[x] =
-                static_cast<int16_t>(row_of(cur, cur_step, y)[x] - row_of(ref, ref_step, y)[x]);
+            put16(diff, diff_step, x, y, row_of(cur, cur_step, y)[x] - row_of(ref, ref_step, y)[x]);
 }
 
 void sums_diff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,

@@ -3,8 +3,6 @@
 // per vector. Vertical half steps keep the previous row's sums, so each reference row is loaded
 // and widened once. Only the samples the phase needs are read: the block, plus one column for a
 // horizontal half step and one row for a vertical one.
-#include <type_traits>
-
 #include "common/simd.h"
 #include "me/halfpel.h"
 #include "me/residual_kernels.h"
@@ -94,39 +92,37 @@ private:
     Row<N> carry_{};
 };
 
+// 16-bit output rows are addressed as bytes: their steps may be odd.
 template <int N>
-inline void store_row(int16_t* dst, const Row<N>& r) {
-    for (int i = 0; i < N; ++i) store(dst + 8 * i, r.v[i]);
+inline void store_row(uint8_t* dst, const Row<N>& r) {
+    for (int i = 0; i < N; ++i) store(dst + 16 * i, r.v[i]);
 }
 
 template <int N>
-inline void store_diff(int16_t* dst, const uint8_t* cur, const Row<N>& pred) {
+inline void store_diff(uint8_t* dst, const uint8_t* cur, const Row<N>& pred) {
     const Row<N> c = load_row<N>(cur);
-    for (int i = 0; i < N; ++i) store(dst + 8 * i, _mm_sub_epi16(c.v[i], pred.v[i]));
+    for (int i = 0; i < N; ++i) store(dst + 16 * i, _mm_sub_epi16(c.v[i], pred.v[i]));
 }
 
-template <class T>
-inline T* advance(T* p, int step) {
-    using Byte = std::conditional_t<std::is_const_v<T>, const uint8_t, uint8_t>;
-    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(p) + step);
-}
+inline uint8_t* bytes(int16_t* p) { return reinterpret_cast<uint8_t*>(p); }
 
 template <int W, int H, int Type, bool Wide, bool WithPred>
 struct GetDiffSse2 {
-    static void run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
-                    int diff_step, int16_t* pred, int pred_step, int rounding) {
+    static void run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff16,
+                    int diff_step, int16_t* pred16, int pred_step, int rounding) {
+        uint8_t *d = bytes(diff16), *pred = bytes(pred16);
         Predictor<W / 8, Type> predictor(ref, ref_step, Wide ? round_wide(rounding) : round_narrow(rounding));
         // Unrolled: the carried sums then rotate through registers without copies.
 #pragma GCC unroll 16
         for (int y = 0; y < H; ++y) {
             const Row<W / 8> p = predictor.next();
-            store_diff(diff, cur, p);
+            store_diff(d, cur, p);
             if constexpr (WithPred) {
                 store_row(pred, p);
-                pred = advance(pred, pred_step);
+                pred += pred_step;
             }
             cur += cur_step;
-            diff = advance(diff, diff_step);
+            d += diff_step;
         }
     }
 };
@@ -134,13 +130,14 @@ struct GetDiffSse2 {
 template <int W, int H, int FwdType, int BwdType>
 struct GetDiffBSse2 {
     static void run(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                    int bwd_step, int16_t* diff, int diff_step, int rounding) {
+                    int bwd_step, int16_t* diff16, int diff_step, int rounding) {
+        uint8_t* d = bytes(diff16);
         Predictor<W / 8, FwdType> f(fwd, fwd_step, round_narrow(rounding));
         Predictor<W / 8, BwdType> b(bwd, bwd_step, round_narrow(rounding));
         for (int y = 0; y < H; ++y) {
-            store_diff(diff, cur, shift<1>(add(f.next(), b.next())));
+            store_diff(d, cur, shift<1>(add(f.next(), b.next())));
             cur += cur_step;
-            diff = advance(diff, diff_step);
+            d += diff_step;
         }
     }
 };

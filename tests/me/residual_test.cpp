@@ -270,7 +270,8 @@ TEST(ResidualModel, SumsAndTiles) {
 }
 
 // Reference against SIMD on every kernel of every table: random and extreme blocks, unaligned
-// pointers, random and negative steps.
+// pointers, random and negative steps (odd ones too for the 16-bit outputs, whose steps are
+// in bytes).
 TEST(ResidualSimd, GetDiffTablesMatchReference) {
     for (const Size& s : kSizes) {
         compare_kernels("get_diff", 160, [&s](Rng& rng, Impl impl, Outputs& out) {
@@ -281,19 +282,20 @@ TEST(ResidualSimd, GetDiffTablesMatchReference) {
             fill_region(cur, s.w, s.h, mode, rng);
             fill_region(ref, s.w + 1, s.h + 1, mode == 3 ? 3 : rng.uniform(0, 2), rng);
             fill_region(bwd, s.w + 1, s.h + 1, rng.uniform(0, 3), rng);
-            Plane<int16_t> diff(s.w, s.h, random_step(rng, s.w, 2), size_t(rng.uniform(0, 7)) * 2);
-            Plane<int16_t> pred(s.w, s.h, random_step(rng, s.w, 2), size_t(rng.uniform(0, 7)) * 2);
+            Plane<uint8_t> diff(2 * s.w, s.h, random_step(rng, 2 * s.w), size_t(rng.uniform(0, 7)) * 2);
+            Plane<uint8_t> pred(2 * s.w, s.h, random_step(rng, 2 * s.w), size_t(rng.uniform(0, 7)) * 2);
+            const auto as16 = [](Plane<uint8_t>& p) { return reinterpret_cast<int16_t*>(p.data()); };
             const GetDiffTable& t = impl == Impl::Ref ? *s.ref : *s.simd;
             const GetDiffBTable& tb = impl == Impl::Ref ? *s.ref_b : *s.simd_b;
             for (int i = 0; i < 8; ++i) {
-                t[size_t(i)](cur.data(), cur.step(), ref.data(), ref.step(), diff.data(), diff.step(),
-                             pred.data(), pred.step(), r);
+                t[size_t(i)](cur.data(), cur.step(), ref.data(), ref.step(), as16(diff), diff.step(),
+                             as16(pred), pred.step(), r);
                 out.add_buffer("diff " + std::to_string(i), diff);
                 out.add_buffer("pred " + std::to_string(i), pred);
             }
             for (int i = 0; i < 16; ++i) {
                 tb[size_t(i)](cur.data(), cur.step(), ref.data(), ref.step(), bwd.data(), bwd.step(),
-                              diff.data(), diff.step(), r);
+                              as16(diff), diff.step(), r);
                 out.add_buffer("diff_b " + std::to_string(i), diff);
             }
         });
