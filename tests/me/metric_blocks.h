@@ -1,9 +1,8 @@
-// Test blocks for the SAD, squared-difference, variance and edge tests: random steps (also
-// negative), misaligned rows and the extreme patterns that catch overflow and rounding faults.
+// Blocks for the metric tests: random steps (also negative), misaligned rows, extreme patterns,
+// a page-guarded placement and an independent model of the half-sample prediction.
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "checkasm.h"
 #include "me/phase.h"
@@ -23,58 +22,37 @@ using kvt::test::Rng;
 
 constexpr int kPhaseTypes[4] = {0, 4, 8, 12};
 
+// kLowBits (lo + 0..3) stresses rounding carries; kExtremes is lo or hi at random.
 enum Pattern { kRandom, kZero, kFull, kChecker, kLowBits, kExtremes, kPatternCount };
 
-// Fills rows x cols of p with a pattern; kLowBits (0..3) stresses the rounding carries.
-template <class T>
-void fill(Plane<T>& p, int cols, int rows, Pattern pat, Rng& rng, int lo = 0, int hi = 255) {
-    for (int y = 0; y < rows; ++y)
-        for (int x = 0; x < cols; ++x) {
-            int v = 0;
-            switch (pat) {
-                case kRandom: v = rng.uniform(lo, hi); break;
-                case kZero: v = lo < 0 && hi > 0 ? 0 : lo; break;
-                case kFull: v = hi; break;
-                case kChecker: v = (x + y) & 1 ? hi : lo; break;
-                case kLowBits: v = lo + rng.uniform(0, 3); break;
-                default: v = rng.coin() ? hi : lo; break;
-            }
-            p.row(y)[x] = T(v);
-        }
-}
+inline Pattern any_pattern(Rng& rng) { return Pattern(rng.uniform(0, kPatternCount - 1)); }
 
-// A step of |step| >= width bytes (units of `unit`), negative half the time.
-inline int random_step(Rng& rng, int width, int unit = 1) {
-    const int s = (width + rng.uniform(0, 40)) * unit;
-    return rng.coin() ? -s : s;
-}
-
-// A step that is a multiple of 16, negative half the time.
-inline int random_step16(Rng& rng, int width) {
-    const int s = (width + 15) / 16 * 16 + 16 * rng.uniform(0, 2);
-    return rng.coin() ? -s : s;
-}
-
-// A block of cols x rows samples with a random step, misalignment and pattern; `aligned` puts
-// its rows on 16-byte boundaries.
+// cols x rows samples with a random step (negative half the time) and misalignment; `aligned`
+// puts the rows on 16-byte boundaries instead.
 template <class T = uint8_t>
 struct Block {
     Plane<T> plane;
     Block(Rng& rng, int cols, int rows, Pattern pat, int lo = 0, int hi = 255, bool aligned = false)
-        : plane(cols, rows, aligned ? random_step16(rng, cols * int(sizeof(T))) : random_step(rng, cols, int(sizeof(T))),
+        : plane(cols, rows, step_for(rng, cols * int(sizeof(T)), aligned),
                 aligned ? 0 : size_t(rng.uniform(0, 15)) * sizeof(T)) {
-        fill(plane, cols, rows, pat, rng, lo, hi);
+        const int zero = lo < 0 && hi > 0 ? 0 : lo;
+        for (int y = 0; y < rows; ++y)
+            for (int x = 0; x < cols; ++x) {
+                const int r = rng.uniform(lo, hi), check = (x + y) & 1 ? hi : lo;
+                const int by_pattern[kPatternCount] = {r, zero, hi, check, lo + (r & 3), r & 1 ? hi : lo};
+                plane.row(y)[x] = T(by_pattern[pat]);
+            }
+    }
+    static int step_for(Rng& rng, int bytes, bool aligned) {
+        const int s = aligned ? (bytes + 15) / 16 * 16 + 16 * rng.uniform(0, 2)
+                              : bytes + int(sizeof(T)) * rng.uniform(0, 40);
+        return rng.coin() ? -s : s;
     }
     T* data() { return plane.data(); }
     int step() const { return plane.step(); }
 };
 
-inline Pattern random_pattern(Rng& rng) {
-    return rng.uniform(0, 3) == 0 ? Pattern(rng.uniform(0, kPatternCount - 1)) : kRandom;
-}
-
-// Places a cols x rows block of step `step` (>= cols) so that its last sample is the last
-// readable byte before an inaccessible page; fills it with `rng` values.
+// A cols x rows block of step `step` whose last sample is the last byte before an inaccessible page.
 inline uint8_t* guarded_block(kvt::test::PageGuarded& buf, int cols, int rows, int step, Rng& rng) {
     const size_t span = size_t(rows - 1) * size_t(step) + size_t(cols);
     uint8_t* p = buf.data() + buf.size() - span;
@@ -82,8 +60,8 @@ inline uint8_t* guarded_block(kvt::test::PageGuarded& buf, int cols, int rows, i
     return p;
 }
 
-// Fixed-rounding prediction written from the standards' description of the four phases,
-// independently of the library: h, v are the half steps right and down.
+// Prediction at (x, y) written from the description of the four phases, independently of the
+// library: h, v are the half steps right and down.
 inline int anchor_pred(const uint8_t* ref, int step, int x, int y, int type) {
     const int h = type == 8 || type == 12, v = type == 4 || type == 12;
     auto at = [&](int dx, int dy) { return int(ref[intptr_t(y + dy) * step + x + dx]); };
