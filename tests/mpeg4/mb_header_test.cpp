@@ -1,13 +1,8 @@
-// H.263 macroblock header codes: every code of the shared tables and every rejected prefix at
-// every bit offset, random header sequences read back, and the argument checks.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+// H.263 macroblock headers: every code of the shared tables and every rejected prefix at every bit
+// offset, and random header sequences written from the tables and read back.
+#include <algorithm>
 
 #include "bit_string.h"
-#include "checkasm.h"
-#include "kvtvc.h"
 #include "tsv.h"
 
 using namespace kvt::test;
@@ -21,134 +16,82 @@ struct Code {
     int value;  // expected output, or the status of a rejected code
 };
 
-// Type in bits 0..2, Cb coded in bit 5, Cr in bit 4; the INTER4V+Q codes (nine leading zeros)
-// are not decoded by these readers.
-std::vector<Code> mcbpc_codes(const char* file, int bad) {
-    std::vector<Code> out;
-    for (const TsvRow& r : read_table(file)) {
-        const std::string t = r["mb_type"], cbpc = r["cbpc"];
-        out.push_back({r["code"], t == "STUFFING" ? 255
-                                  : t == "5"      ? bad
-                                                  : std::stoi(t) | (cbpc[0] - '0') << 5 | (cbpc[1] - '0') << 4});
+// MCBPC intra, MCBPC inter, CBPY, MODB, each with the prefixes that start no code. MCBPC: type in
+// bits 0..2, Cb coded in bit 5, Cr in bit 4; the INTER4V+Q codes (type 5) are rejected.
+std::vector<std::pair<Decoder8u, std::vector<Code>>> header_tables() {
+    std::vector<Code> mcbpc[2], cbpy{{"000000", -111}, {"000001", -111}}, modb;
+    const char* files[2] = {"h263_mcbpc_intra.tsv", "h263_mcbpc_inter.tsv"};
+    for (int i = 0; i < 2; ++i) {
+        for (const TsvRow& r : read_table(files[i])) {
+            const std::string t = r["mb_type"], c = r["cbpc"];
+            mcbpc[i].push_back({r["code"], t == "STUFFING" ? 255
+                                           : t == "5"
+                                               ? -109 - i
+                                               : std::stoi(t) | (c[0] - '0') << 5 | (c[1] - '0') << 4});
+        }
     }
-    return out;
-}
-
-struct TableCase {
-    const char* name;
-    Decoder8u dec;
-    std::vector<Code> codes;
-};
-
-std::vector<TableCase> table_cases() {
-    std::vector<Code> cbpy{{"000000", -111}, {"000001", -111}}, modb;
-    for (const TsvRow& r : read_table("h263_cbpy.tsv")) cbpy.push_back({r["code"], int(bits_value(r["cbpy_inter"]))});
+    for (uint32_t v : {0u, 2u, 3u, 4u, 7u}) mcbpc[0].push_back({to_bits(v, 9), -109});  // stuffing is 1
+    mcbpc[1].push_back({"000000000", -110});
+    for (const TsvRow& r : read_table("h263_cbpy.tsv"))
+        cbpy.push_back({r["code"], int(bits_value(r["cbpy_inter"]))});
     for (const TsvRow& r : read_table("h263_modb.tsv"))
         modb.push_back({r["code"], r.num("cbpb_present") | r.num("mvdb_present") << 1});
-    std::vector<Code> intra = mcbpc_codes("h263_mcbpc_intra.tsv", -109), inter = mcbpc_codes("h263_mcbpc_inter.tsv", -110);
-    // Nine-bit look-aheads below 8 start no intra code (but stuffing); nine zeros no inter code.
-    for (uint32_t v : {0u, 2u, 3u, 4u, 7u}) intra.push_back({to_bits(v, 9), -109});
-    inter.push_back({"000000000", -110});
-    return {{"MCBPCIntra", kvtiDecodeMCBPCIntra_H263, intra},
-            {"MCBPCInter", kvtiDecodeMCBPCInter_H263, inter},
-            {"CBPY", kvtiDecodeCBPY_H263, cbpy},
-            {"MODB", kvtiDecodeMODB_H263, modb}};
+    return {{kvtiDecodeMCBPCIntra_H263, mcbpc[0]},
+            {kvtiDecodeMCBPCInter_H263, mcbpc[1]},
+            {kvtiDecodeCBPY_H263, cbpy},
+            {kvtiDecodeMODB_H263, modb}};
 }
 
 }  // namespace
 
-// The code after `off` random bits and before random bits: the output, and a cursor moved by the
-// code's length, or not at all (output untouched) for a rejected code.
 TEST(MbHeader, EveryCodeAtEveryOffset) {
     Rng rng(11);
-    for (const TableCase& t : table_cases()) {
-        for (const Code& c : t.codes) {
-            for (int off = 0; off < 8; ++off) {
-                for (int rep = 0; rep < 4; ++rep) {
-                    Stream s(random_bits(rng, off) + c.bits + random_bits(rng, 16), off, uint8_t(rng.next()));
-                    Kvt8u out = 0x5A;
-                    const KvtStatus st = t.dec(&s.p, &s.offset, &out);
-                    SCOPED_TRACE(testing::Message() << t.name << " " << c.bits << " at offset " << off);
-                    EXPECT_EQ(st, c.value < 0 ? c.value : kvtStsOk);
-                    EXPECT_EQ(out, c.value < 0 ? 0x5A : c.value);
-                    EXPECT_EQ(s.pos(), off + (c.value < 0 ? 0 : long(c.bits.size())));
-                }
-            }
-        }
+    for (const auto& [dec, codes] : header_tables()) {
+        const auto read = [d = dec](Kvt8u** pp, int* off, int* out) {
+            Kvt8u v = 0x5A;
+            const KvtStatus st = d(pp, off, &v);
+            *out = v;
+            return st;
+        };
+        for (const Code& c : codes)
+            for (int i = 0; i < 32; ++i)
+                expect_code(rng, read, c.bits, i % 8, std::min(c.value, 0), c.value < 0 ? 0x5A : c.value);
     }
 }
 
-TEST(MbHeader, ModifiedQuantizerUpdate) {
-    Rng rng(14);
-    for (const TsvRow& r : read_table("h263_annex_t_dquant.tsv")) {
-        for (int second = 0; second < 2; ++second) {
-            const int off = rng.uniform(0, 7);
-            Stream s(random_bits(rng, off) + (second ? "11" : "10") + random_bits(rng, 8), off, 0xFF);
-            Kvt32u q = Kvt32u(r.num("prior_quant"));
-            ASSERT_EQ(kvtiUpdateQuant_MQ_H263_1u32s_I(&s.p, &s.offset, &q), kvtStsOk);
-            EXPECT_EQ(q, Kvt32u(r.num(second ? "new_quant_11" : "new_quant_10"))) << r["prior_quant"];
-            EXPECT_EQ(s.pos(), off + 2);
-        }
-    }
-    for (Kvt32u v = 0; v < 32; ++v) {  // "0" and five bits: the new quantizer as it stands
-        const int off = int(v % 8);
-        Stream s(random_bits(rng, off) + "0" + to_bits(v, 5) + random_bits(rng, 8), off, 0xFF);
-        Kvt32u q = 17;
-        ASSERT_EQ(kvtiUpdateQuant_MQ_H263_1u32s_I(&s.p, &s.offset, &q), kvtStsOk);
-        EXPECT_EQ(q, v);
-        EXPECT_EQ(s.pos(), off + 6);
-    }
-}
-
-// Random P-picture macroblock headers (MCBPC, MODB, CBPY, DQUANT) written from the tables and
+// Random P-picture macroblock headers (MCBPC, MODB, CBPY, quantizer update in all three forms)
 // read back in order: every field must end on the next one's first bit.
 TEST(MbHeader, RandomHeaderSequencesRoundTrip) {
-    const std::vector<TableCase> t = table_cases();
-    const std::vector<Code>&mcbpc = t[1].codes, &cbpy = t[2].codes, &modb = t[3].codes;
+    const auto t = header_tables();
     const std::vector<TsvRow> dq = read_table("h263_annex_t_dquant.tsv");
     Rng rng(15);
-    for (int trial = 0; trial < 50; ++trial) {
+    for (int trial = 0; trial < 60; ++trial) {
         const int start = rng.uniform(0, 7), first_quant = rng.uniform(1, 31);
         std::string bits = random_bits(rng, start);
-        std::vector<int> want;  // mcbpc, modb, cbpy, quant per macroblock
+        std::vector<int> want, got;
         for (int i = 0, quant = first_quant; i < 40; ++i) {
-            const Code &m = mcbpc[size_t(rng.uniform(0, 20))], &b = modb[size_t(rng.uniform(0, 2))],
-                       &y = cbpy[size_t(rng.uniform(2, 17))];
-            const bool up = rng.coin();
-            quant = dq[size_t(quant - 1)].num(up ? "new_quant_11" : "new_quant_10");
-            bits += m.bits + b.bits + y.bits + (up ? "11" : "10");
+            const Code &m = t[1].second[size_t(rng.uniform(0, 20))],
+                       &y = t[2].second[size_t(rng.uniform(2, 17))],
+                       &b = t[3].second[size_t(rng.uniform(0, 2))];
+            const int form = rng.uniform(0, 2);  // "10", "11", or "0" and the new quantizer as it stands
+            const char* change[2] = {"new_quant_10", "new_quant_11"};
+            quant = form < 2 ? dq[size_t(quant - 1)].num(change[form]) : rng.uniform(1, 31);
+            bits += m.bits + b.bits + y.bits +
+                    (form < 2 ? to_bits(Kvt32u(2 + form), 2) : "0" + to_bits(Kvt32u(quant), 5));
             want.insert(want.end(), {m.value, b.value, y.value, quant});
         }
         Stream s(bits, start, uint8_t(rng.next()));
         Kvt32u q = Kvt32u(first_quant);
-        for (size_t i = 0; i < want.size(); i += 4) {
-            Kvt8u v[3];
-            ASSERT_EQ(kvtiDecodeMCBPCInter_H263(&s.p, &s.offset, &v[0]), kvtStsOk);
-            ASSERT_EQ(kvtiDecodeMODB_H263(&s.p, &s.offset, &v[1]), kvtStsOk);
-            ASSERT_EQ(kvtiDecodeCBPY_H263(&s.p, &s.offset, &v[2]), kvtStsOk);
+        for (int i = 0; i < 40; ++i) {
+            for (Decoder8u dec : {kvtiDecodeMCBPCInter_H263, kvtiDecodeMODB_H263, kvtiDecodeCBPY_H263}) {
+                Kvt8u v = 0;
+                ASSERT_EQ(dec(&s.p, &s.offset, &v), kvtStsOk);
+                got.push_back(v);
+            }
             ASSERT_EQ(kvtiUpdateQuant_MQ_H263_1u32s_I(&s.p, &s.offset, &q), kvtStsOk);
-            ASSERT_EQ(std::vector<int>({v[0], v[1], v[2], int(q)}), std::vector<int>(want.begin() + long(i), want.begin() + long(i) + 4));
+            got.push_back(int(q));
         }
+        EXPECT_EQ(got, want);
         EXPECT_EQ(s.pos(), long(bits.size()));
     }
-}
-
-TEST(MbHeader, NullPointersChangeNothing) {
-    Stream s("1", 3, 0);
-    Kvt8u* const p0 = s.p;
-    Kvt8u* null_stream = nullptr;
-    Kvt8u out = 7;
-    Kvt32u q = 5;
-    for (const TableCase& t : table_cases()) {
-        EXPECT_EQ(t.dec(nullptr, &s.offset, &out), kvtStsNullPointer);
-        EXPECT_EQ(t.dec(&s.p, nullptr, &out), kvtStsNullPointer);
-        EXPECT_EQ(t.dec(&null_stream, &s.offset, &out), kvtStsNullPointer);
-        EXPECT_EQ(t.dec(&s.p, &s.offset, nullptr), kvtStsNullPointer);
-    }
-    EXPECT_EQ(kvtiUpdateQuant_MQ_H263_1u32s_I(&null_stream, &s.offset, &q), kvtStsNullPointer);
-    EXPECT_EQ(kvtiUpdateQuant_MQ_H263_1u32s_I(&s.p, &s.offset, nullptr), kvtStsNullPointer);
-    EXPECT_EQ(s.p, p0);
-    EXPECT_EQ(s.offset, 3);
-    EXPECT_EQ(out, 7);
-    EXPECT_EQ(q, 5u);
 }
