@@ -195,18 +195,19 @@ KVTAPI KvtStatus kvtiDecodeMV_TopBorder_H263(Kvt8u** ppBitStream, int* pBitOffse
 /* P-VOP: one (mbType not 2 or 5) or four vectors against the median predictor, then padding of
  * absent blocks. The valid flags (nonzero: neighbour usable) and pBlockPresent (4 bytes, nonzero:
  * block not transparent) must be 4-byte aligned (-97); fcode 1..7 (-98); -101 on a bad code. */
-KVTAPI KvtStatus kvtiDecodePadMV_PVOP_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, const KvtMotionVec* pSrcMVLeftMB,
+KVTAPI KvtStatus kvtiDecodePadMV_PVOP_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
+                                            const KvtMotionVec* pSrcMVLeftMB,
                                             const KvtMotionVec* pSrcMVUpperMB,
                                             const KvtMotionVec* pSrcMVUpperRightMB, KvtMotionVec* pDstMVCurMB,
                                             const Kvt32u* pValidLeft, const Kvt32u* pValidUpper,
                                             const Kvt32u* pValidUpperRight, const Kvt8u* pBlockPresent,
                                             int fcode, int mbType);
 /* B-VOP forward vector: *pSrcDstMV (predictor) += decoded difference, wrapped by fcode. */
-KVTAPI KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
-                                                 int fcode);
+KVTAPI KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
+                                                 KvtMotionVec* pSrcDstMV, int fcode);
 /* B-VOP backward vector: as the forward one. */
-KVTAPI KvtStatus kvtiDecodeMV_BVOP_Backward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
-                                                  int fcode);
+KVTAPI KvtStatus kvtiDecodeMV_BVOP_Backward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
+                                                  KvtMotionVec* pSrcDstMV, int fcode);
 /* B-VOP interpolated: forward vector, then backward vector, each with its own fcode. */
 KVTAPI KvtStatus kvtiDecodeMV_BVOP_Interpolate_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
                                                      KvtMotionVec* pSrcDstMVF, KvtMotionVec* pSrcDstMVB,
@@ -214,9 +215,9 @@ KVTAPI KvtStatus kvtiDecodeMV_BVOP_Interpolate_MPEG4(Kvt8u** ppBitStream, int* p
 /* B-VOP direct mode: delta vector, then forward/backward sets from the co-located set scaled by
  * TRB/TRD (*pColocatedFlag nonzero) or equal to the delta (zero); TRB, TRD >= 1 (-96). */
 KVTAPI KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
-                                                const KvtMotionVec* pSrcMVColocated, KvtMotionVec* pDstMVForward,
-                                                KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag,
-                                                int TRB, int TRD);
+                                                const KvtMotionVec* pSrcMVColocated,
+                                                KvtMotionVec* pDstMVForward, KvtMotionVec* pDstMVBackward,
+                                                const Kvt32u* pColocatedFlag, int TRB, int TRD);
 /* B-VOP direct mode with a zero delta; reads no bits. */
 KVTAPI KvtStatus kvtiDecodeMV_BVOP_DirectSkip_MPEG4(const KvtMotionVec* pSrcMVColocated,
                                                     KvtMotionVec* pDstMVForward, KvtMotionVec* pDstMVBackward,
@@ -238,70 +239,124 @@ KVTAPI KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVe
 /* -- Residuals, residual sums and texture error -- */
 /* Residual of a 16x16 block against a half-sample prediction (wide rounding form); mcType & 12
  * selects the phase, pDstPredictor may be NULL, otherwise it receives the prediction. */
-KVTAPI KvtStatus kvtiGetDiff16x16_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff16x16_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                           int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep,
+                                           Kvt16s* pDstPredictor, int dstPredictorStep, int mcType,
+                                           int roundControl);
 /* As kvtiGetDiff16x16_8u16s_C1 for a 16x8 block (wide rounding form). */
-KVTAPI KvtStatus kvtiGetDiff16x8_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff16x8_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                          int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep,
+                                          Kvt16s* pDstPredictor, int dstPredictorStep, int mcType,
+                                          int roundControl);
 /* As kvtiGetDiff16x16_8u16s_C1 for an 8x16 block (narrow rounding form). */
-KVTAPI KvtStatus kvtiGetDiff8x16_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff8x16_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                          int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep,
+                                          Kvt16s* pDstPredictor, int dstPredictorStep, int mcType,
+                                          int roundControl);
 /* As kvtiGetDiff16x16_8u16s_C1 for an 8x8 block (narrow rounding form). */
-KVTAPI KvtStatus kvtiGetDiff8x8_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff8x8_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                         int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep,
+                                         Kvt16s* pDstPredictor, int dstPredictorStep, int mcType,
+                                         int roundControl);
 /* As kvtiGetDiff16x16_8u16s_C1 for an 8x4 block (narrow rounding form). */
-KVTAPI KvtStatus kvtiGetDiff8x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep, Kvt16s* pDstPredictor, int dstPredictorStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff8x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                         int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep,
+                                         Kvt16s* pDstPredictor, int dstPredictorStep, int mcType,
+                                         int roundControl);
 /* Residual current - reference of a 4x4 block at the integer position. */
-KVTAPI KvtStatus kvtiGetDiff4x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep);
+KVTAPI KvtStatus kvtiGetDiff4x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                         int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep);
 /* Residual of a 16x16 block against the truncating average of two half-sample predictions. */
-KVTAPI KvtStatus kvtiGetDiff16x16B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff16x16B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
+                                            int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                            int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep,
+                                            int roundControl);
 /* As kvtiGetDiff16x16B_8u16s_C1 for a 16x8 block. */
-KVTAPI KvtStatus kvtiGetDiff16x8B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff16x8B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
+                                           int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                           int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep,
+                                           int roundControl);
 /* As kvtiGetDiff16x16B_8u16s_C1 for an 8x16 block. */
-KVTAPI KvtStatus kvtiGetDiff8x16B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff8x16B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
+                                           int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                           int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep,
+                                           int roundControl);
 /* As kvtiGetDiff16x16B_8u16s_C1 for an 8x8 block. */
-KVTAPI KvtStatus kvtiGetDiff8x8B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff8x8B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
+                                          int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                          int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep,
+                                          int roundControl);
 /* As kvtiGetDiff16x16B_8u16s_C1 for an 8x4 block. */
-KVTAPI KvtStatus kvtiGetDiff8x4B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep, int roundControl);
+KVTAPI KvtStatus kvtiGetDiff8x4B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
+                                          int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                          int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep,
+                                          int roundControl);
 /* Sums of current - prediction over the sixteen 4x4 sub-blocks of a 16x16 block (raster order);
  * pDiff may be NULL, otherwise it receives the residual as sixteen 4x4 tiles of 16 values. */
-KVTAPI KvtStatus kvtiSumsDiff16x16Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred, int predStep, Kvt16s* pSums, Kvt16s* pDiff);
+KVTAPI KvtStatus kvtiSumsDiff16x16Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred,
+                                                     int predStep, Kvt16s* pSums, Kvt16s* pDiff);
 /* As kvtiSumsDiff16x16Blocks4x4_8u16s_C1 for the four 4x4 sub-blocks of an 8x8 block. */
-KVTAPI KvtStatus kvtiSumsDiff8x8Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred, int predStep, Kvt16s* pSums, Kvt16s* pDiff);
+KVTAPI KvtStatus kvtiSumsDiff8x8Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred,
+                                                   int predStep, Kvt16s* pSums, Kvt16s* pDiff);
 /* 8x8 residual source - prediction (64 contiguous samples) and its SAD; -5 on a NULL pointer. */
-KVTAPI KvtStatus kvtiComputeTextureErrorBlock_SAD_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred, Kvt16s* pDstDiff, Kvt32s* pDstSAD);
+KVTAPI KvtStatus kvtiComputeTextureErrorBlock_SAD_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred,
+                                                        Kvt16s* pDstDiff, Kvt32s* pDstSAD);
 /* 8x8 residual source - prediction (64 contiguous samples); -5 on a NULL pointer. */
-KVTAPI KvtStatus kvtiComputeTextureErrorBlock_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred, Kvt16s* pDstDiff);
+KVTAPI KvtStatus kvtiComputeTextureErrorBlock_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred,
+                                                    Kvt16s* pDstDiff);
 
 /* -- SAD, squared differences, variances, means and edges -- */
 /* Block pointers and steps come first (current, then reference); no step is checked. mcType is the
  * half-sample phase 0 (integer), 4 (vertical half), 8 (horizontal half) or 12 (both), fixed
  * rounding: (a + b + 1) >> 1 and (a + b + c + d + 2) >> 2. The block is read plus one column
  * (phases 8, 12) and one row (phases 4, 12) of the reference. */
-/* *pDstSAD = 16x16 SAD; only the blocks are checked (pDstSAD is written unchecked); other mcType values use mcType & 12. */
-KVTAPI KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt32s* pDstSAD, int mcType);
-/* *pDstSAD = 8x8 SAD; only the blocks are checked; mcType 0, 4 and 8 as above, any other value means both halves. */
-KVTAPI KvtStatus kvtiSAD8x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt32s* pDstSAD, int mcType);
+/* *pDstSAD = 16x16 SAD; only the blocks are checked (pDstSAD is written unchecked); other mcType values use
+ * mcType & 12. */
+KVTAPI KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                    int srcRefStep, Kvt32s* pDstSAD, int mcType);
+/* *pDstSAD = 8x8 SAD; only the blocks are checked; mcType 0, 4 and 8 as above, any other value means both
+ * halves. */
+KVTAPI KvtStatus kvtiSAD8x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                      int srcRefStep, Kvt32s* pDstSAD, int mcType);
 /* *pDstSAD = 4x4 SAD at the integer position. */
-KVTAPI KvtStatus kvtiSAD4x4_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt32s* pDstSAD);
+KVTAPI KvtStatus kvtiSAD4x4_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
+                                  Kvt32s* pDstSAD);
 /* SADs of the four 8x8 quarters (top-left, top-right, bottom-left, bottom-right), integer position. */
-KVTAPI KvtStatus kvtiSAD16x16Blocks8x8_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16u* pDstSAD);
+KVTAPI KvtStatus kvtiSAD16x16Blocks8x8_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                             int srcRefStep, Kvt16u* pDstSAD);
 /* SADs of the sixteen 4x4 sub-blocks in raster order, integer position. */
-KVTAPI KvtStatus kvtiSAD16x16Blocks4x4_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, Kvt16u* pDstSAD);
-/* *pSqrDiff = 16x16 sum of squared differences; an mcType other than 0, 4, 8, 12 returns 0 and writes nothing. */
-KVTAPI KvtStatus kvtiSqrDiff16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, int mcType, Kvt32s* pSqrDiff);
+KVTAPI KvtStatus kvtiSAD16x16Blocks4x4_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                             int srcRefStep, Kvt16u* pDstSAD);
+/* *pSqrDiff = 16x16 sum of squared differences; an mcType other than 0, 4, 8, 12 returns 0 and writes
+ * nothing. */
+KVTAPI KvtStatus kvtiSqrDiff16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                        int srcRefStep, int mcType, Kvt32s* pSqrDiff);
 /* *pSqrDiff = 16x16 sum of (((F + B + 1) >> 1) - current)^2; each type's bits 8 and 4 pick its phase. */
-KVTAPI KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB, Kvt32s* pSqrDiff);
+KVTAPI KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
+                                         int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB,
+                                         int mcTypeB, Kvt32s* pSqrDiff);
 /* *pVar = Q - ((S * S) >> 8) over a 16x16 block (S sum, Q sum of squares). */
 KVTAPI KvtStatus kvtiVariance16x16_8u32s(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar);
 /* 8x8: *pMean = S (the sum itself), *pVar = (Q - (S >> 3)^2) >> 6. */
 KVTAPI KvtStatus kvtiVarMean8x8_8u32s_C1R(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar, Kvt32s* pMean);
-/* 8x8 of 16-bit values, step in bytes: column sums saturate at 16 bits; *pMean = S, *pVar = (Q - M) >> 6 with m = S / 8, M = m^2 (+1 if m < 0). */
+/* 8x8 of 16-bit values, step in bytes: column sums saturate at 16 bits; *pMean = S, *pVar = (Q - M) >> 6 with
+ * m = S / 8, M = m^2 (+1 if m < 0). */
 KVTAPI KvtStatus kvtiVarMean8x8_16s32s_C1R(const Kvt16s* pSrc, int srcStep, Kvt32s* pVar, Kvt32s* pMean);
-/* Per 8x8 quarter k of the residual: pMean[k] = (pSrcSum[k] - prediction sum) / 8, pVar[k] = (Q - M) >> 6 or 0, M = mean^2 (+1 if mean < 0); a bad mcType returns 0 and writes nothing. */
-KVTAPI KvtStatus kvtiVarMeanDiff16x16_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType);
+/* Per 8x8 quarter k of the residual: pMean[k] = (pSrcSum[k] - prediction sum) / 8, pVar[k] = (Q - M) >> 6 or
+ * 0, M = mean^2 (+1 if mean < 0); a bad mcType returns 0 and writes nothing. */
+KVTAPI KvtStatus kvtiVarMeanDiff16x16_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                                int srcRefStep, const Kvt32s* pSrcSum, Kvt32s* pVar,
+                                                Kvt32s* pMean, int mcType);
 /* As kvtiVarMeanDiff16x16_8u32s_C1R for the two quarters of a 16x8 block, with M = mean^2 exactly. */
-KVTAPI KvtStatus kvtiVarMeanDiff16x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep, const Kvt32s* pSrcSum, Kvt32s* pVar, Kvt32s* pMean, int mcType);
+KVTAPI KvtStatus kvtiVarMeanDiff16x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                               int srcRefStep, const Kvt32s* pSrcSum, Kvt32s* pVar,
+                                               Kvt32s* pMean, int mcType);
 /* *pDst = sum of |sample - ((S + 128) >> 8)| over a 16x16 block; only pSrc is checked. */
 KVTAPI KvtStatus kvtiMeanAbsDev16x16_8u32s_C1R(const Kvt8u* pSrc, int srcStep, Kvt32s* pDst);
-/* *pRes = 1 when the flagged-position count of the 16x16 block passes countThreshold row by row (wrap-around compare), else 0. */
-KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt8u diffThreshold, Kvt8u countThreshold, Kvt8u* pRes);
+/* *pRes = 1 when the flagged-position count of the 16x16 block passes countThreshold row by row (wrap-around
+ * compare), else 0. */
+KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt8u diffThreshold,
+                                             Kvt8u countThreshold, Kvt8u* pRes);
 
 #ifdef __cplusplus
 }
