@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "common/dispatch.h"
+#include "kvtvc.h"
 
 namespace kvt {
 
@@ -13,15 +14,15 @@ constexpr int64_t kStreamSetBytes = 262144;
 constexpr int64_t kStreamCopyBytes = 262144;
 constexpr int64_t kStreamZeroBytes = 524288;
 
-#define KVT_DECLARE_VECTOR_KERNELS(isa)                                                   \
-    void set_8u_##isa(uint8_t val, uint8_t* dst, int len);                               \
-    void set_16s_##isa(int16_t val, int16_t* dst, int len);                              \
-    void zero_16s_##isa(int16_t* dst, int len);                                          \
-    void copy_8u_##isa(const uint8_t* src, uint8_t* dst, int len);                       \
-    void mulc_16s_sfs_##isa(int16_t val, int16_t* srcdst, int len, int scale);           \
-    void threshold_lt_16s_##isa(int16_t* srcdst, int len, int16_t level);                \
-    void threshold_gt_16s_##isa(int16_t* srcdst, int len, int16_t level);                \
-    void set_8u_c1r_##isa(uint8_t val, uint8_t* dst, int step, int width, int height);    \
+#define KVT_DECLARE_VECTOR_KERNELS(isa)                                                     \
+    KvtStatus set_8u_##isa(uint8_t val, uint8_t* dst, int len);                             \
+    KvtStatus set_16s_##isa(int16_t val, int16_t* dst, int len);                            \
+    KvtStatus zero_16s_##isa(int16_t* dst, int len);                                        \
+    KvtStatus copy_8u_##isa(const uint8_t* src, uint8_t* dst, int len);                     \
+    KvtStatus mulc_16s_sfs_##isa(int16_t val, int16_t* srcdst, int len, int scale);         \
+    KvtStatus threshold_lt_16s_##isa(int16_t* srcdst, int len, int16_t level);              \
+    KvtStatus threshold_gt_16s_##isa(int16_t* srcdst, int len, int16_t level);              \
+    KvtStatus set_8u_c1r_##isa(uint8_t val, uint8_t* dst, int step, int width, int height); \
     uint32_t count_zeros_8x8_16s_##isa(const int16_t* src);
 
 KVT_DECLARE_VECTOR_KERNELS(ref)

@@ -5,20 +5,24 @@
 
 namespace kvt {
 
-void set_8u_ref(uint8_t val, uint8_t* dst, int len) {
+KvtStatus set_8u_ref(uint8_t val, uint8_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = val;
+    return kvtStsOk;
 }
 
-void set_16s_ref(int16_t val, int16_t* dst, int len) {
+KvtStatus set_16s_ref(int16_t val, int16_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = val;
+    return kvtStsOk;
 }
 
-void zero_16s_ref(int16_t* dst, int len) {
+KvtStatus zero_16s_ref(int16_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = 0;
+    return kvtStsOk;
 }
 
-void copy_8u_ref(const uint8_t* src, uint8_t* dst, int len) {
+KvtStatus copy_8u_ref(const uint8_t* src, uint8_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = src[i];
+    return kvtStsOk;
 }
 
 namespace {
@@ -39,27 +43,28 @@ int16_t mulc_one(int16_t x, int16_t v, int s) {
 
 }  // namespace
 
-void mulc_16s_sfs_ref(int16_t val, int16_t* srcdst, int len, int scale) {
-    if (val == 0 || scale > 30) {
-        zero_16s_ref(srcdst, len);
-        return;
-    }
-    if (scale == 0 && val == 1) return;
+KvtStatus mulc_16s_sfs_ref(int16_t val, int16_t* srcdst, int len, int scale) {
+    if (val == 0 || scale > 30) return zero_16s_ref(srcdst, len);
+    if (scale == 0 && val == 1) return kvtStsOk;
     for (int i = 0; i < len; ++i) srcdst[i] = mulc_one(srcdst[i], val, scale);
+    return kvtStsOk;
 }
 
-void threshold_lt_16s_ref(int16_t* srcdst, int len, int16_t level) {
+KvtStatus threshold_lt_16s_ref(int16_t* srcdst, int len, int16_t level) {
     for (int i = 0; i < len; ++i)
         if (srcdst[i] < level) srcdst[i] = level;
+    return kvtStsOk;
 }
 
-void threshold_gt_16s_ref(int16_t* srcdst, int len, int16_t level) {
+KvtStatus threshold_gt_16s_ref(int16_t* srcdst, int len, int16_t level) {
     for (int i = 0; i < len; ++i)
         if (srcdst[i] > level) srcdst[i] = level;
+    return kvtStsOk;
 }
 
-void set_8u_c1r_ref(uint8_t val, uint8_t* dst, int step, int width, int height) {
+KvtStatus set_8u_c1r_ref(uint8_t val, uint8_t* dst, int step, int width, int height) {
     for (int y = 0; y < height; ++y, dst += step) set_8u_ref(val, dst, width);
+    return kvtStsOk;
 }
 
 uint32_t count_zeros_8x8_16s_ref(const int16_t* src) {

@@ -1,6 +1,6 @@
 // SSE2 kernels of the vector helpers.
-#include "core/vector_kernels.h"
 #include "common/simd.h"
+#include "core/vector_kernels.h"
 
 namespace kvt {
 
@@ -18,8 +18,10 @@ void fill_body(uint8_t* dst, size_t n, __m128i pattern) {
     store(dst, pattern);
     uint8_t* p = reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(dst) + 16) & ~uintptr_t(15));
     const auto put = [&](uint8_t* q) {
-        if constexpr (stream) _mm_stream_si128(reinterpret_cast<__m128i*>(q), pattern);
-        else store_aligned(q, pattern);
+        if constexpr (stream)
+            _mm_stream_si128(reinterpret_cast<__m128i*>(q), pattern);
+        else
+            store_aligned(q, pattern);
     };
     for (; p + 64 <= end; p += 64) {
         put(p);
@@ -52,15 +54,20 @@ void fill_short(uint8_t* dst, size_t n, __m128i pattern) {
 // stores this processor has (up to four times the bytes per store of SSE2). The byte goes to
 // memset as is: a round trip through a vector register would sit on its critical path.
 void fill_bytes(uint8_t* dst, size_t n, uint8_t val, bool stream) {
-    if (n <= 64) fill_short(dst, n, _mm_set1_epi8(char(val)));
-    else if (stream) fill_body<true>(dst, n, _mm_set1_epi8(char(val)));
-    else std::memset(dst, val, n);
+    if (n <= 64)
+        fill_short(dst, n, _mm_set1_epi8(char(val)));
+    else if (stream)
+        fill_body<true>(dst, n, _mm_set1_epi8(char(val)));
+    else
+        std::memset(dst, val, n);
 }
 
 // 16-bit patterns have no C library equivalent.
 void fill_words(uint8_t* dst, size_t n, __m128i pattern) {
-    if (n <= 64) fill_short(dst, n, pattern);
-    else fill_body<false>(dst, n, pattern);
+    if (n <= 64)
+        fill_short(dst, n, pattern);
+    else
+        fill_body<false>(dst, n, pattern);
 }
 
 // Large copies: aligned cache-bypassing stores for the body, unaligned head and tail.
@@ -108,21 +115,24 @@ void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
 
 }  // namespace
 
-void set_8u_sse2(uint8_t val, uint8_t* dst, int len) {
+KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) {
     fill_bytes(dst, size_t(len), val, len > kStreamSetBytes);
+    return kvtStsOk;
 }
 
-void set_16s_sse2(int16_t val, int16_t* dst, int len) {
+KvtStatus set_16s_sse2(int16_t val, int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
     fill_words(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val));
+    return kvtStsOk;
 }
 
-void zero_16s_sse2(int16_t* dst, int len) {
+KvtStatus zero_16s_sse2(int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
     fill_bytes(reinterpret_cast<uint8_t*>(dst), n, 0, int64_t(n) > kStreamZeroBytes);
+    return kvtStsOk;
 }
 
-void copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
+KvtStatus copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
     const size_t n = size_t(len);
     if (n <= 64) {
         copy_short(src, dst, n);
@@ -131,15 +141,17 @@ void copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
     } else {
         std::memcpy(dst, src, n);  // as for fills: the C library's copy uses the widest stores
     }
+    return kvtStsOk;
 }
 
-void set_8u_c1r_sse2(uint8_t val, uint8_t* dst, int step, int width, int height) {
+KvtStatus set_8u_c1r_sse2(uint8_t val, uint8_t* dst, int step, int width, int height) {
     const bool stream = int64_t(width) * height > kStreamSetBytes;
     if (step == width) {
         fill_bytes(dst, size_t(width) * size_t(height), val, stream);
-        return;
+        return kvtStsOk;
     }
     for (int y = 0; y < height; ++y, dst += step) fill_bytes(dst, size_t(width), val, stream);
+    return kvtStsOk;
 }
 
 namespace {
@@ -206,7 +218,7 @@ void threshold(int16_t* srcdst, int len, int16_t level) {
 
 }  // namespace
 
-void mulc_16s_sfs_sse2(int16_t val, int16_t* srcdst, int len, int scale) {
+KvtStatus mulc_16s_sfs_sse2(int16_t val, int16_t* srcdst, int len, int scale) {
     if (val == 0 || scale > 30) {
         zero_16s_sse2(srcdst, len);
     } else if (scale == 0) {
@@ -218,11 +230,18 @@ void mulc_16s_sfs_sse2(int16_t val, int16_t* srcdst, int len, int scale) {
     } else {
         mulc_loop<MulRegime::SignOnly>(val, srcdst, len, scale);
     }
+    return kvtStsOk;
 }
 
-void threshold_lt_16s_sse2(int16_t* srcdst, int len, int16_t level) { threshold<false>(srcdst, len, level); }
+KvtStatus threshold_lt_16s_sse2(int16_t* srcdst, int len, int16_t level) {
+    threshold<false>(srcdst, len, level);
+    return kvtStsOk;
+}
 
-void threshold_gt_16s_sse2(int16_t* srcdst, int len, int16_t level) { threshold<true>(srcdst, len, level); }
+KvtStatus threshold_gt_16s_sse2(int16_t* srcdst, int len, int16_t level) {
+    threshold<true>(srcdst, len, level);
+    return kvtStsOk;
+}
 
 uint32_t count_zeros_8x8_16s_sse2(const int16_t* src) {
     const __m128i zero = _mm_setzero_si128();

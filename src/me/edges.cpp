@@ -4,9 +4,8 @@
 
 using namespace kvt;
 
-KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt8u diffThreshold, Kvt8u countThreshold,
-                                      Kvt8u* pRes) {
+KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt8u diffThreshold,
+                                      Kvt8u countThreshold, Kvt8u* pRes) {
     if (!pSrc || !pRes) return kvtStsNullPointer;
-    KVT_KERNEL(edges_16x16)(pSrc, srcStep, diffThreshold, countThreshold, pRes);
-    return kvtStsOk;
+    return KVT_KERNEL(edges_16x16)(pSrc, srcStep, diffThreshold, countThreshold, pRes);
 }

@@ -4,12 +4,15 @@
 #include <cstdint>
 
 #include "common/dispatch.h"
+#include "kvtvc.h"
 
 namespace kvt {
 
-void edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold, uint8_t* flag);
+KvtStatus edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
+                          uint8_t* flag);
 #if KVT_HAVE_SSE2
-void edges_16x16_sse2(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold, uint8_t* flag);
+KvtStatus edges_16x16_sse2(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
+                           uint8_t* flag);
 #endif
 
 // The decision after each row: the running count k against the count threshold n, both

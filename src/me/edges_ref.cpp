@@ -8,7 +8,8 @@ namespace kvt {
 
 // Rows 0..14 against their right and lower neighbours, columns 0..14; differences clamped to
 // 127 and compared with the threshold as signed 8-bit values (128 and above flag everything).
-void edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold, uint8_t* flag) {
+KvtStatus edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
+                          uint8_t* flag) {
     const int8_t t = int8_t(diff_threshold);
     uint8_t k = 0;
     for (int r = 0; r < 15; ++r) {
@@ -21,10 +22,11 @@ void edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8
         }
         if (edge_count_passes(k, count_threshold)) {
             *flag = 1;
-            return;
+            return kvtStsOk;
         }
     }
     *flag = 0;
+    return kvtStsOk;
 }
 
 }  // namespace kvt

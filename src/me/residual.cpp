@@ -12,18 +12,16 @@ KvtStatus get_diff(const GetDiffTable& kernels, const Kvt8u* cur, int cur_step, 
                    int ref_step, Kvt16s* diff, int diff_step, Kvt16s* pred, int pred_step, int type,
                    int rounding) {
     if (KVT_UNLIKELY(!cur || !ref || !diff)) return kvtStsNullPointer;
-    kernels[get_diff_index(type, pred != nullptr)](cur, cur_step, ref, ref_step, diff, diff_step, pred,
-                                                   pred_step, rounding != 0);
-    return kvtStsOk;
+    return kernels[get_diff_index(type, pred != nullptr)](cur, cur_step, ref, ref_step, diff, diff_step, pred,
+                                                          pred_step, rounding != 0);
 }
 
 KvtStatus get_diff_b(const GetDiffBTable& kernels, const Kvt8u* cur, int cur_step, const Kvt8u* fwd,
                      int fwd_step, int fwd_type, const Kvt8u* bwd, int bwd_step, int bwd_type, Kvt16s* diff,
                      int diff_step, int rounding) {
     if (KVT_UNLIKELY(!cur || !fwd || !bwd || !diff)) return kvtStsNullPointer;
-    kernels[get_diff_b_index(fwd_type, bwd_type)](cur, cur_step, fwd, fwd_step, bwd, bwd_step, diff,
-                                                  diff_step, rounding != 0);
-    return kvtStsOk;
+    return kernels[get_diff_b_index(fwd_type, bwd_type)](cur, cur_step, fwd, fwd_step, bwd, bwd_step, diff,
+                                                         diff_step, rounding != 0);
 }
 
 }  // namespace
@@ -60,21 +58,18 @@ KVT_GET_DIFF_B_FRONT(8x4)
 KvtStatus kvtiGetDiff4x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                                   Kvt16s* pDstDiff, int dstDiffStep) {
     if (KVT_UNLIKELY(!pSrcCur || !pSrcRef || !pDstDiff)) return kvtStsNullPointer;
-    get_diff_4x4_ref(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstDiff, dstDiffStep);
-    return kvtStsOk;
+    return get_diff_4x4_ref(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstDiff, dstDiffStep);
 }
 
 // A null residual pointer selects the sums-only variant.
 KvtStatus kvtiSumsDiff16x16Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred,
                                               int predStep, Kvt16s* pSums, Kvt16s* pDiff) {
     if (KVT_UNLIKELY(!pSrc || !pPred || !pSums)) return kvtStsNullPointer;
-    KVT_KERNEL(sums_diff_16x16)(pSrc, srcStep, pPred, predStep, pSums, pDiff);
-    return kvtStsOk;
+    return KVT_KERNEL(sums_diff_16x16)(pSrc, srcStep, pPred, predStep, pSums, pDiff);
 }
 
 KvtStatus kvtiSumsDiff8x8Blocks4x4_8u16s_C1(const Kvt8u* pSrc, int srcStep, const Kvt8u* pPred, int predStep,
                                             Kvt16s* pSums, Kvt16s* pDiff) {
     if (KVT_UNLIKELY(!pSrc || !pPred || !pSums)) return kvtStsNullPointer;
-    KVT_KERNEL(sums_diff_8x8)(pSrc, srcStep, pPred, predStep, pSums, pDiff);
-    return kvtStsOk;
+    return KVT_KERNEL(sums_diff_8x8)(pSrc, srcStep, pPred, predStep, pSums, pDiff);
 }

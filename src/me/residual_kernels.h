@@ -13,13 +13,15 @@
 #include <utility>
 
 #include "common/dispatch.h"
+#include "kvtvc.h"
 
 namespace kvt {
 
-using GetDiffKernel = void (*)(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                               int16_t* diff, int diff_step, int16_t* pred, int pred_step, int rounding);
-using GetDiffBKernel = void (*)(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
-                                const uint8_t* bwd, int bwd_step, int16_t* diff, int diff_step, int rounding);
+using GetDiffKernel = KvtStatus (*)(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                    int16_t* diff, int diff_step, int16_t* pred, int pred_step, int rounding);
+using GetDiffBKernel = KvtStatus (*)(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
+                                     const uint8_t* bwd, int bwd_step, int16_t* diff, int diff_step,
+                                     int rounding);
 using GetDiffTable = std::array<GetDiffKernel, 8>;
 using GetDiffBTable = std::array<GetDiffBKernel, 16>;
 
@@ -45,25 +47,25 @@ constexpr GetDiffBTable make_get_diff_b_table() {
     return make_get_diff_b_table<K, W, H>(std::make_index_sequence<16>{});
 }
 
-#define KVT_DECLARE_RESIDUAL_KERNELS(isa)                                                            \
-    extern const GetDiffTable get_diff_16x16_##isa;                                                  \
-    extern const GetDiffTable get_diff_16x8_##isa;                                                   \
-    extern const GetDiffTable get_diff_8x16_##isa;                                                   \
-    extern const GetDiffTable get_diff_8x8_##isa;                                                    \
-    extern const GetDiffTable get_diff_8x4_##isa;                                                    \
-    extern const GetDiffBTable get_diff_b_16x16_##isa;                                               \
-    extern const GetDiffBTable get_diff_b_16x8_##isa;                                                \
-    extern const GetDiffBTable get_diff_b_8x16_##isa;                                                \
-    extern const GetDiffBTable get_diff_b_8x8_##isa;                                                 \
-    extern const GetDiffBTable get_diff_b_8x4_##isa;                                                 \
-    /* sums of the 4x4 sub-blocks, raster order; a non-null diff gets one 16-value tile each */      \
-    void sums_diff_16x16_##isa(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, \
-                               int16_t* sums, int16_t* diff);                                        \
-    void sums_diff_8x8_##isa(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,   \
-                             int16_t* sums, int16_t* diff);                                          \
-    /* 8x8 residual against 64 contiguous predictions; *sad when sad is non-null */                  \
-    void texture_error_##isa(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff,   \
-                             int32_t* sad);
+#define KVT_DECLARE_RESIDUAL_KERNELS(isa)                                                                 \
+    extern const GetDiffTable get_diff_16x16_##isa;                                                       \
+    extern const GetDiffTable get_diff_16x8_##isa;                                                        \
+    extern const GetDiffTable get_diff_8x16_##isa;                                                        \
+    extern const GetDiffTable get_diff_8x8_##isa;                                                         \
+    extern const GetDiffTable get_diff_8x4_##isa;                                                         \
+    extern const GetDiffBTable get_diff_b_16x16_##isa;                                                    \
+    extern const GetDiffBTable get_diff_b_16x8_##isa;                                                     \
+    extern const GetDiffBTable get_diff_b_8x16_##isa;                                                     \
+    extern const GetDiffBTable get_diff_b_8x8_##isa;                                                      \
+    extern const GetDiffBTable get_diff_b_8x4_##isa;                                                      \
+    /* sums of the 4x4 sub-blocks, raster order; a non-null diff gets one 16-value tile each */           \
+    KvtStatus sums_diff_16x16_##isa(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, \
+                                    int16_t* sums, int16_t* diff);                                        \
+    KvtStatus sums_diff_8x8_##isa(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,   \
+                                  int16_t* sums, int16_t* diff);                                          \
+    /* 8x8 residual against 64 contiguous predictions; *sad when sad is non-null */                       \
+    KvtStatus texture_error_##isa(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff,   \
+                                  int32_t* sad);
 
 KVT_DECLARE_RESIDUAL_KERNELS(ref)
 #if KVT_HAVE_SSE2
@@ -72,7 +74,7 @@ KVT_DECLARE_RESIDUAL_KERNELS(sse2)
 #undef KVT_DECLARE_RESIDUAL_KERNELS
 
 // 4x4 integer-position residual: four samples a row do not pay for a vector path.
-void get_diff_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
-                      int diff_step);
+KvtStatus get_diff_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
+                           int diff_step);
 
 }  // namespace kvt

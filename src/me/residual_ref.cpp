@@ -21,8 +21,8 @@ inline void put16(int16_t* base, int step, int x, int y, int v) {
 // Residual against one half-sample prediction; 16-wide blocks use the wide rounding form.
 template <int W, int H, int Type, bool Wide, bool WithPred>
 struct GetDiffRef {
-    static void run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
-                    int diff_step, int16_t* pred, int pred_step, int rounding) {
+    static KvtStatus run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
+                         int diff_step, int16_t* pred, int pred_step, int rounding) {
         const HalfRound k = Wide ? round_wide(rounding) : round_narrow(rounding);
         for (int y = 0; y < H; ++y) {
             const uint8_t* c = row_of(cur, cur_step, y);
@@ -32,14 +32,15 @@ struct GetDiffRef {
                 if constexpr (WithPred) put16(pred, pred_step, x, y, p);
             }
         }
+        return kvtStsOk;
     }
 };
 
 // Residual against the truncating average of two predictions, both in the narrow form.
 template <int W, int H, int FwdType, int BwdType>
 struct GetDiffBRef {
-    static void run(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                    int bwd_step, int16_t* diff, int diff_step, int rounding) {
+    static KvtStatus run(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
+                         const uint8_t* bwd, int bwd_step, int16_t* diff, int diff_step, int rounding) {
         const HalfRound k = round_narrow(rounding);
         for (int y = 0; y < H; ++y) {
             const uint8_t* c = row_of(cur, cur_step, y);
@@ -49,6 +50,7 @@ struct GetDiffBRef {
                 put16(diff, diff_step, x, y, c[x] - ((f + b) >> 1));
             }
         }
+        return kvtStsOk;
     }
 };
 
@@ -86,27 +88,30 @@ const GetDiffBTable get_diff_b_8x16_ref = make_get_diff_b_table<GetDiffBRef, 8, 
 const GetDiffBTable get_diff_b_8x8_ref = make_get_diff_b_table<GetDiffBRef, 8, 8>();
 const GetDiffBTable get_diff_b_8x4_ref = make_get_diff_b_table<GetDiffBRef, 8, 4>();
 
-void get_diff_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
-                      int diff_step) {
+KvtStatus get_diff_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff,
+                           int diff_step) {
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)
             put16(diff, diff_step, x, y, row_of(cur, cur_step, y)[x] - row_of(ref, ref_step, y)[x]);
+    return kvtStsOk;
 }
 
-void sums_diff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
-                         int16_t* diff) {
+KvtStatus sums_diff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
+                              int16_t* sums, int16_t* diff) {
     if (diff)
         sums_diff<16, true>(cur, cur_step, pred, pred_step, sums, diff);
     else
         sums_diff<16, false>(cur, cur_step, pred, pred_step, sums, nullptr);
+    return kvtStsOk;
 }
 
-void sums_diff_8x8_ref(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
-                       int16_t* diff) {
+KvtStatus sums_diff_8x8_ref(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
+                            int16_t* sums, int16_t* diff) {
     if (diff)
         sums_diff<8, true>(cur, cur_step, pred, pred_step, sums, diff);
     else
         sums_diff<8, false>(cur, cur_step, pred, pred_step, sums, nullptr);
+    return kvtStsOk;
 }
 
 }  // namespace kvt

@@ -108,8 +108,8 @@ inline uint8_t* bytes(int16_t* p) { return reinterpret_cast<uint8_t*>(p); }
 
 template <int W, int H, int Type, bool Wide, bool WithPred>
 struct GetDiffSse2 {
-    static void run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff16,
-                    int diff_step, int16_t* pred16, int pred_step, int rounding) {
+    static KvtStatus run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff16,
+                         int diff_step, int16_t* pred16, int pred_step, int rounding) {
         uint8_t *d = bytes(diff16), *pred = bytes(pred16);
         Predictor<W / 8, Type> predictor(ref, ref_step, Wide ? round_wide(rounding) : round_narrow(rounding));
         // Unrolled: the carried sums then rotate through registers without copies.
@@ -124,13 +124,14 @@ struct GetDiffSse2 {
             cur += cur_step;
             d += diff_step;
         }
+        return kvtStsOk;
     }
 };
 
 template <int W, int H, int FwdType, int BwdType>
 struct GetDiffBSse2 {
-    static void run(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                    int bwd_step, int16_t* diff16, int diff_step, int rounding) {
+    static KvtStatus run(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
+                         const uint8_t* bwd, int bwd_step, int16_t* diff16, int diff_step, int rounding) {
         uint8_t* d = bytes(diff16);
         Predictor<W / 8, FwdType> f(fwd, fwd_step, round_narrow(rounding));
         Predictor<W / 8, BwdType> b(bwd, bwd_step, round_narrow(rounding));
@@ -139,6 +140,7 @@ struct GetDiffBSse2 {
             cur += cur_step;
             d += diff_step;
         }
+        return kvtStsOk;
     }
 };
 
@@ -198,20 +200,22 @@ const GetDiffBTable get_diff_b_8x16_sse2 = make_get_diff_b_table<GetDiffBSse2, 8
 const GetDiffBTable get_diff_b_8x8_sse2 = make_get_diff_b_table<GetDiffBSse2, 8, 8>();
 const GetDiffBTable get_diff_b_8x4_sse2 = make_get_diff_b_table<GetDiffBSse2, 8, 4>();
 
-void sums_diff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
-                          int16_t* diff) {
+KvtStatus sums_diff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
+                               int16_t* sums, int16_t* diff) {
     if (diff)
         sums_diff<16, true>(cur, cur_step, pred, pred_step, sums, diff);
     else
         sums_diff<16, false>(cur, cur_step, pred, pred_step, sums, nullptr);
+    return kvtStsOk;
 }
 
-void sums_diff_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
-                        int16_t* diff) {
+KvtStatus sums_diff_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
+                             int16_t* sums, int16_t* diff) {
     if (diff)
         sums_diff<8, true>(cur, cur_step, pred, pred_step, sums, diff);
     else
         sums_diff<8, false>(cur, cur_step, pred, pred_step, sums, nullptr);
+    return kvtStsOk;
 }
 
 }  // namespace kvt

@@ -12,41 +12,36 @@ KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* 
                              Kvt32s* pDstSAD, int mcType) {
     if (!pSrcCur || !pSrcRef) return kvtStsNullPointer;
     const bool aligned = aligned16(pSrcCur, srcCurStep);
-    with_phase(mcType & 12, [&](auto phase) {
+    return with_phase(mcType & 12, [&](auto phase) {
         constexpr int t = decltype(phase)::value;
-        if (aligned) KVT_KERNEL_A16(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
-        else KVT_KERNEL(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
+        if (aligned) return KVT_KERNEL_A16(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
+        return KVT_KERNEL(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
     });
-    return kvtStsOk;
 }
 
 // 0 integer, 4 vertical half, 8 horizontal half; every other value is taken as both halves.
 KvtStatus kvtiSAD8x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                                Kvt32s* pDstSAD, int mcType) {
     if (!pSrcCur || !pSrcRef) return kvtStsNullPointer;
-    with_phase(mcType, [&](auto phase) {
-        KVT_KERNEL(sad_8x8)<decltype(phase)::value>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
+    return with_phase(mcType, [&](auto phase) {
+        return KVT_KERNEL(sad_8x8)<decltype(phase)::value>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
     });
-    return kvtStsOk;
 }
 
 KvtStatus kvtiSAD4x4_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                            Kvt32s* pDstSAD) {
     if (!pSrcCur || !pSrcRef || !pDstSAD) return kvtStsNullPointer;
-    KVT_KERNEL(sad_4x4)(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
-    return kvtStsOk;
+    return KVT_KERNEL(sad_4x4)(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
 }
 
-KvtStatus kvtiSAD16x16Blocks8x8_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
-                                      Kvt16u* pDstSAD) {
+KvtStatus kvtiSAD16x16Blocks8x8_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                      int srcRefStep, Kvt16u* pDstSAD) {
     if (!pSrcCur || !pSrcRef || !pDstSAD) return kvtStsNullPointer;
-    KVT_KERNEL(sad_16x16_blocks8x8)(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
-    return kvtStsOk;
+    return KVT_KERNEL(sad_16x16_blocks8x8)(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
 }
 
-KvtStatus kvtiSAD16x16Blocks4x4_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
-                                      Kvt16u* pDstSAD) {
+KvtStatus kvtiSAD16x16Blocks4x4_8u16u(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
+                                      int srcRefStep, Kvt16u* pDstSAD) {
     if (!pSrcCur || !pSrcRef || !pDstSAD) return kvtStsNullPointer;
-    KVT_KERNEL(sad_16x16_blocks4x4)(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
-    return kvtStsOk;
+    return KVT_KERNEL(sad_16x16_blocks4x4)(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
 }

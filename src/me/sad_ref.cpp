@@ -14,7 +14,8 @@ int32_t sad_wxh(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_st
     int32_t sum = 0;
     for (int y = 0; y < H; ++y) {
         const uint8_t* c = cur + intptr_t(y) * cur_step;
-        for (int x = 0; x < W; ++x) sum += std::abs(c[x] - halfpel_at(ref, ref_step, x, y, type, kRoundFixed));
+        for (int x = 0; x < W; ++x)
+            sum += std::abs(c[x] - halfpel_at(ref, ref_step, x, y, type, kRoundFixed));
     }
     return sum;
 }
@@ -32,31 +33,38 @@ void sad_blocks(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_st
 }  // namespace
 
 template <int type>
-void sad_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     *sad = sad_wxh<16, 16, type>(cur, cur_step, ref, ref_step);
+    return kvtStsOk;
 }
 
 template <int type>
-void sad_8x8_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_8x8_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     *sad = sad_wxh<8, 8, type>(cur, cur_step, ref, ref_step);
+    return kvtStsOk;
 }
 
-#define KVT_INSTANTIATE(t)                                                                  \
-    template void sad_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);     \
-    template void sad_8x8_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
+#define KVT_INSTANTIATE(t)                                                                   \
+    template KvtStatus sad_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*); \
+    template KvtStatus sad_8x8_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
 KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
 #undef KVT_INSTANTIATE
 
-void sad_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     *sad = sad_wxh<4, 4, kMcFull>(cur, cur_step, ref, ref_step);
+    return kvtStsOk;
 }
 
-void sad_16x16_blocks8x8_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
+KvtStatus sad_16x16_blocks8x8_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                  uint16_t* sads) {
     sad_blocks<8>(cur, cur_step, ref, ref_step, sads);
+    return kvtStsOk;
 }
 
-void sad_16x16_blocks4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
+KvtStatus sad_16x16_blocks4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                  uint16_t* sads) {
     sad_blocks<4>(cur, cur_step, ref, ref_step, sads);
+    return kvtStsOk;
 }
 
 }  // namespace kvt

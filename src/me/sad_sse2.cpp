@@ -13,9 +13,12 @@ namespace {
 template <int type>
 inline __m128i pred_2rows8(const uint8_t* p, intptr_t step) {
     const __m128i a = load_2rows8(p, step);
-    if constexpr (type == kMcFull) return a;
-    else if constexpr (type == kMcHorHalf) return _mm_avg_epu8(a, load_2rows8(p + 1, step));
-    else if constexpr (type == kMcVertHalf) return _mm_avg_epu8(a, load_2rows8(p + step, step));
+    if constexpr (type == kMcFull)
+        return a;
+    else if constexpr (type == kMcHorHalf)
+        return _mm_avg_epu8(a, load_2rows8(p + 1, step));
+    else if constexpr (type == kMcVertHalf)
+        return _mm_avg_epu8(a, load_2rows8(p + step, step));
     else
         return avg4_fixed(pair_avg(a, load_2rows8(p + 1, step)),
                           pair_avg(load_2rows8(p + step, step), load_2rows8(p + step + 1, step)));
@@ -66,56 +69,66 @@ inline __m128i band_sads4x4(const uint8_t* cur, intptr_t cs, const uint8_t* ref,
 }  // namespace
 
 template <int type>
-void sad_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     sad16<type, false>(cur, cur_step, ref, ref_step, sad);
+    return kvtStsOk;
 }
 
 template <int type>
-void sad_16x16_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_16x16_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                             int32_t* sad) {
     sad16<type, true>(cur, cur_step, ref, ref_step, sad);
+    return kvtStsOk;
 }
 
 template <int type>
-void sad_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     const intptr_t cs = cur_step, rs = ref_step;
     __m128i acc = _mm_setzero_si128();
 #pragma GCC unroll 4
     for (int y = 0; y < 8; y += 2, cur += 2 * cs, ref += 2 * rs)
         acc = _mm_add_epi64(acc, _mm_sad_epu8(load_2rows8(cur, cs), pred_2rows8<type>(ref, rs)));
     *sad = hsum_sad(acc);
+    return kvtStsOk;
 }
 
-#define KVT_INSTANTIATE(t)                                                                   \
-    template void sad_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);     \
-    template void sad_16x16_a16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*); \
-    template void sad_8x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
+#define KVT_INSTANTIATE(t)                                                                        \
+    template KvtStatus sad_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);     \
+    template KvtStatus sad_16x16_a16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*); \
+    template KvtStatus sad_8x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
 KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
 #undef KVT_INSTANTIATE
 
-void sad_4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     *sad = hsum_sad(_mm_sad_epu8(load_4rows4(cur, cur_step), load_4rows4(ref, ref_step)));
+    return kvtStsOk;
 }
 
-void sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
+KvtStatus sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                   uint16_t* sads) {
     const intptr_t cs = cur_step, rs = ref_step;
     __m128i half[2];  // 64-bit lanes: left and right quarter of the upper, then the lower half
     for (int h = 0; h < 2; ++h) {
         __m128i acc = _mm_setzero_si128();
 #pragma GCC unroll 8
-        for (int y = 0; y < 8; ++y, cur += cs, ref += rs) acc = _mm_add_epi64(acc, _mm_sad_epu8(load(cur), load(ref)));
+        for (int y = 0; y < 8; ++y, cur += cs, ref += rs)
+            acc = _mm_add_epi64(acc, _mm_sad_epu8(load(cur), load(ref)));
         half[h] = _mm_shuffle_epi32(acc, _MM_SHUFFLE(3, 1, 2, 0));
     }
     const __m128i all = _mm_unpacklo_epi64(half[0], half[1]);  // at most 16320: packs is exact
     store8(sads, _mm_packs_epi32(all, all));
+    return kvtStsOk;
 }
 
-void sad_16x16_blocks4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
+KvtStatus sad_16x16_blocks4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                   uint16_t* sads) {
     const intptr_t cs = cur_step, rs = ref_step;
     for (int b = 0; b < 4; b += 2, cur += 8 * cs, ref += 8 * rs) {
         const __m128i upper = band_sads4x4(cur, cs, ref, rs);
         const __m128i lower = band_sads4x4(cur + 4 * cs, cs, ref + 4 * rs, rs);
         store(sads + 4 * b, _mm_packs_epi32(upper, lower));  // at most 4080 each
     }
+    return kvtStsOk;
 }
 
 }  // namespace kvt

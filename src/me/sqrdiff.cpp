@@ -11,31 +11,29 @@ KvtStatus kvtiSqrDiff16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt
     if (!pSrcCur || !pSrcRef || !pSqrDiff) return kvtStsNullPointer;
     if (!is_phase_code(mcType)) return kvtStsOk;
     const bool aligned = aligned16(pSrcCur, srcCurStep);
-    with_phase(mcType, [&](auto phase) {
+    return with_phase(mcType, [&](auto phase) {
         constexpr int t = decltype(phase)::value;
-        if (aligned) KVT_KERNEL_A16(sqrdiff_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
-        else KVT_KERNEL(sqrdiff_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
+        if (aligned)
+            return KVT_KERNEL_A16(sqrdiff_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
+        return KVT_KERNEL(sqrdiff_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
     });
-    return kvtStsOk;
 }
 
 // Each type contributes only its bits 8 and 4; with neither set the prediction is the sample
 // itself whatever the other bits, so the phase bits cover every value exactly.
-KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF, int srcRefStepF,
-                                  int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB, int mcTypeB,
-                                  Kvt32s* pSqrDiff) {
+KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
+                                  int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB,
+                                  int mcTypeB, Kvt32s* pSqrDiff) {
     if (!pSrcCur || !pSrcRefF || !pSrcRefB || !pSqrDiff) return kvtStsNullPointer;
     const bool aligned = aligned16(pSrcCur, srcCurStep);
-    with_phase(mcTypeF & 12, [&](auto fwd) {
-        with_phase(mcTypeB & 12, [&](auto bwd) {
+    return with_phase(mcTypeF & 12, [&](auto fwd) {
+        return with_phase(mcTypeB & 12, [&](auto bwd) {
             constexpr int tf = decltype(fwd)::value, tb = decltype(bwd)::value;
             if (aligned)
-                KVT_KERNEL_A16(sqrdiff_16x16b)<tf, tb>(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB,
-                                                       pSqrDiff);
-            else
-                KVT_KERNEL(sqrdiff_16x16b)<tf, tb>(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB,
-                                                   pSqrDiff);
+                return KVT_KERNEL_A16(sqrdiff_16x16b)<tf, tb>(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF,
+                                                              pSrcRefB, srcRefStepB, pSqrDiff);
+            return KVT_KERNEL(sqrdiff_16x16b)<tf, tb>(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB,
+                                                      srcRefStepB, pSqrDiff);
         });
     });
-    return kvtStsOk;
 }

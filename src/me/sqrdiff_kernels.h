@@ -5,17 +5,19 @@
 #include <cstdint>
 
 #include "common/dispatch.h"
+#include "kvtvc.h"
 
 namespace kvt {
 
 // sqrdiff_16x16b: the prediction is (F + B + 1) >> 1 of a forward prediction at phase tf and a
 // backward prediction at phase tb.
-#define KVT_DECLARE_SQRDIFF_KERNELS(isa)                                                                   \
-    template <int type>                                                                                    \
-    void sqrdiff_16x16_##isa(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum); \
-    template <int tf, int tb>                                                                              \
-    void sqrdiff_16x16b_##isa(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,           \
-                              const uint8_t* bwd, int bwd_step, int32_t* sum);
+#define KVT_DECLARE_SQRDIFF_KERNELS(isa)                                                               \
+    template <int type>                                                                                \
+    KvtStatus sqrdiff_16x16_##isa(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,  \
+                                  int32_t* sum);                                                       \
+    template <int tf, int tb>                                                                          \
+    KvtStatus sqrdiff_16x16b_##isa(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, \
+                                   const uint8_t* bwd, int bwd_step, int32_t* sum);
 
 KVT_DECLARE_SQRDIFF_KERNELS(ref)
 #if KVT_HAVE_SSE2

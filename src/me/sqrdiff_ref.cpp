@@ -18,19 +18,22 @@ int fixed_pred_general(const uint8_t* ref, int step, int x, int y, int type) {
 }  // namespace
 
 template <int type>
-void sqrdiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum) {
+KvtStatus sqrdiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                            int32_t* sum) {
     int32_t s = 0;
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) {
-            const int d = cur[intptr_t(y) * cur_step + x] - halfpel_at(ref, ref_step, x, y, type, kRoundFixed);
+            const int d =
+                cur[intptr_t(y) * cur_step + x] - halfpel_at(ref, ref_step, x, y, type, kRoundFixed);
             s += d * d;
         }
     *sum = s;
+    return kvtStsOk;
 }
 
 template <int tf, int tb>
-void sqrdiff_16x16b_ref(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                        int bwd_step, int32_t* sum) {
+KvtStatus sqrdiff_16x16b_ref(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
+                             const uint8_t* bwd, int bwd_step, int32_t* sum) {
     int32_t s = 0;
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) {
@@ -40,12 +43,14 @@ void sqrdiff_16x16b_ref(const uint8_t* cur, int cur_step, const uint8_t* fwd, in
             s += d * d;
         }
     *sum = s;
+    return kvtStsOk;
 }
 
 #define KVT_INSTANTIATE(t) \
-    template void sqrdiff_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
-#define KVT_INSTANTIATE_B(f, b) \
-    template void sqrdiff_16x16b_ref<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, int, int32_t*);
+    template KvtStatus sqrdiff_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
+#define KVT_INSTANTIATE_B(f, b)                                                                           \
+    template KvtStatus sqrdiff_16x16b_ref<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, \
+                                                int, int32_t*);
 KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
 KVT_FOR_EACH_PHASE_PAIR(KVT_INSTANTIATE_B)
 #undef KVT_INSTANTIATE

@@ -15,7 +15,8 @@ template <bool aligned, class Pred>
 int32_t sqrdiff_rows(const uint8_t* cur, int cur_step, Pred&& next) {
     __m128i acc = _mm_setzero_si128();
 #pragma GCC unroll 4
-    for (int y = 0; y < 16; ++y, cur += cur_step) acc = add_squares_u8(acc, absdiff_u8(load_cur<aligned>(cur), next()));
+    for (int y = 0; y < 16; ++y, cur += cur_step)
+        acc = add_squares_u8(acc, absdiff_u8(load_cur<aligned>(cur), next()));
     return hsum_epi32(acc);
 }
 
@@ -27,8 +28,8 @@ void sqrdiff16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_ste
 
 // PAVGB of the two fixed-rounding predictions is exactly (F + B + 1) >> 1.
 template <int tf, int tb, bool aligned>
-void sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd, int bwd_step,
-                int32_t* sum) {
+void sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
+                int bwd_step, int32_t* sum) {
     FixedRows<tf, 16> pf(fwd, fwd_step);
     FixedRows<tb, 16> pb(bwd, bwd_step);
     *sum = sqrdiff_rows<aligned>(cur, cur_step, [&] { return _mm_avg_epu8(pf.next(), pb.next()); });
@@ -37,33 +38,41 @@ void sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_st
 }  // namespace
 
 template <int type>
-void sqrdiff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum) {
+KvtStatus sqrdiff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                             int32_t* sum) {
     sqrdiff16<type, false>(cur, cur_step, ref, ref_step, sum);
+    return kvtStsOk;
 }
 
 template <int type>
-void sqrdiff_16x16_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum) {
+KvtStatus sqrdiff_16x16_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                 int32_t* sum) {
     sqrdiff16<type, true>(cur, cur_step, ref, ref_step, sum);
+    return kvtStsOk;
 }
 
 template <int tf, int tb>
-void sqrdiff_16x16b_sse2(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                         int bwd_step, int32_t* sum) {
+KvtStatus sqrdiff_16x16b_sse2(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
+                              const uint8_t* bwd, int bwd_step, int32_t* sum) {
     sqrdiff16b<tf, tb, false>(cur, cur_step, fwd, fwd_step, bwd, bwd_step, sum);
+    return kvtStsOk;
 }
 
 template <int tf, int tb>
-void sqrdiff_16x16b_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                             int bwd_step, int32_t* sum) {
+KvtStatus sqrdiff_16x16b_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
+                                  const uint8_t* bwd, int bwd_step, int32_t* sum) {
     sqrdiff16b<tf, tb, true>(cur, cur_step, fwd, fwd_step, bwd, bwd_step, sum);
+    return kvtStsOk;
 }
 
-#define KVT_INSTANTIATE(t)                                                                      \
-    template void sqrdiff_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);   \
-    template void sqrdiff_16x16_a16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
-#define KVT_INSTANTIATE_B(f, b)                                                                                        \
-    template void sqrdiff_16x16b_sse2<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, int, int32_t*); \
-    template void sqrdiff_16x16b_a16_sse2<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, int, int32_t*);
+#define KVT_INSTANTIATE(t)                                                                        \
+    template KvtStatus sqrdiff_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*); \
+    template KvtStatus sqrdiff_16x16_a16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
+#define KVT_INSTANTIATE_B(f, b)                                                                            \
+    template KvtStatus sqrdiff_16x16b_sse2<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, \
+                                                 int, int32_t*);                                           \
+    template KvtStatus sqrdiff_16x16b_a16_sse2<f, b>(const uint8_t*, int, const uint8_t*, int,             \
+                                                     const uint8_t*, int, int32_t*);
 KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
 KVT_FOR_EACH_PHASE_PAIR(KVT_INSTANTIATE_B)
 #undef KVT_INSTANTIATE

@@ -8,13 +8,11 @@ using namespace kvt;
 KvtStatus kvtiComputeTextureErrorBlock_SAD_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred,
                                                  Kvt16s* pDstDiff, Kvt32s* pDstSAD) {
     if (KVT_UNLIKELY(!pSrc || !pSrcPred || !pDstDiff || !pDstSAD)) return kvtStsBadArgument;
-    KVT_KERNEL(texture_error)(pSrc, srcStep, pSrcPred, pDstDiff, pDstSAD);
-    return kvtStsOk;
+    return KVT_KERNEL(texture_error)(pSrc, srcStep, pSrcPred, pDstDiff, pDstSAD);
 }
 
 KvtStatus kvtiComputeTextureErrorBlock_8u16s(const Kvt8u* pSrc, int srcStep, const Kvt8u* pSrcPred,
                                              Kvt16s* pDstDiff) {
     if (KVT_UNLIKELY(!pSrc || !pSrcPred || !pDstDiff)) return kvtStsBadArgument;
-    KVT_KERNEL(texture_error)(pSrc, srcStep, pSrcPred, pDstDiff, nullptr);
-    return kvtStsOk;
+    return KVT_KERNEL(texture_error)(pSrc, srcStep, pSrcPred, pDstDiff, nullptr);
 }

@@ -6,7 +6,8 @@
 
 namespace kvt {
 
-void texture_error_ref(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff, int32_t* sad) {
+KvtStatus texture_error_ref(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff,
+                            int32_t* sad) {
     int32_t total = 0;
     for (int y = 0; y < 8; ++y) {
         const uint8_t* s = src + static_cast<intptr_t>(y) * src_step;
@@ -17,6 +18,7 @@ void texture_error_ref(const uint8_t* src, int src_step, const uint8_t* pred, in
         }
     }
     if (sad) *sad = total;
+    return kvtStsOk;
 }
 
 }  // namespace kvt

@@ -7,7 +7,8 @@ namespace kvt {
 
 using namespace simd;
 
-void texture_error_sse2(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff, int32_t* sad) {
+KvtStatus texture_error_sse2(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff,
+                             int32_t* sad) {
     const __m128i zero = _mm_setzero_si128();
     __m128i acc = zero;
     for (int y = 0; y < 8; y += 2) {
@@ -19,6 +20,7 @@ void texture_error_sse2(const uint8_t* src, int src_step, const uint8_t* pred, i
         src += 2 * static_cast<intptr_t>(src_step);
     }
     if (sad) *sad = hsum_sad(acc);
+    return kvtStsOk;
 }
 
 }  // namespace kvt

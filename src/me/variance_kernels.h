@@ -4,28 +4,30 @@
 #include <cstdint>
 
 #include "common/dispatch.h"
+#include "kvtvc.h"
 
 namespace kvt {
 
 // varmeandiff_*: variance and mean of the residual of a block against its prediction at phase
 // `type`, per 8x8 quarter (16x16: four quarters in raster order; 16x8: left, right), from the
 // caller's sums of the current quarters.
-#define KVT_DECLARE_VARIANCE_KERNELS(isa)                                                             \
-    void variance_16x16_##isa(const uint8_t* src, int step, int32_t* var);                            \
-    void varmean_8x8_8u_##isa(const uint8_t* src, int step, int32_t* var, int32_t* mean);             \
-    void varmean_8x8_16s_##isa(const int16_t* src, int step, int32_t* var, int32_t* mean);            \
-    template <int type>                                                                               \
-    void varmeandiff_16x16_##isa(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,  \
-                                 const int32_t* sums, int32_t* var, int32_t* mean);                   \
-    template <int type>                                                                               \
-    void varmeandiff_16x8_##isa(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,   \
-                                const int32_t* sums, int32_t* var, int32_t* mean);                    \
-    void mean_abs_dev_16x16_##isa(const uint8_t* src, int step, int32_t* dev);
+#define KVT_DECLARE_VARIANCE_KERNELS(isa)                                                                 \
+    KvtStatus variance_16x16_##isa(const uint8_t* src, int step, int32_t* var);                           \
+    KvtStatus varmean_8x8_8u_##isa(const uint8_t* src, int step, int32_t* var, int32_t* mean);            \
+    KvtStatus varmean_8x8_16s_##isa(const int16_t* src, int step, int32_t* var, int32_t* mean);           \
+    template <int type>                                                                                   \
+    KvtStatus varmeandiff_16x16_##isa(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, \
+                                      const int32_t* sums, int32_t* var, int32_t* mean);                  \
+    template <int type>                                                                                   \
+    KvtStatus varmeandiff_16x8_##isa(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,  \
+                                     const int32_t* sums, int32_t* var, int32_t* mean);                   \
+    KvtStatus mean_abs_dev_16x16_##isa(const uint8_t* src, int step, int32_t* dev);
 
 KVT_DECLARE_VARIANCE_KERNELS(ref)
 #if KVT_HAVE_SSE2
 KVT_DECLARE_VARIANCE_KERNELS(sse2)
-void variance_16x16_a16_sse2(const uint8_t* src, int step, int32_t* var);  // src and step multiples of 16
+KvtStatus variance_16x16_a16_sse2(const uint8_t* src, int step,
+                                  int32_t* var);  // src and step multiples of 16
 #endif
 #undef KVT_DECLARE_VARIANCE_KERNELS
 

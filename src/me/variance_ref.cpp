@@ -25,7 +25,7 @@ void sums_ref(const uint8_t* src, int step, uint32_t& s, uint32_t& q) {
 // Per 8x8 quarter of a 16 x H block: prediction sum and sum of squared residuals.
 template <int H, int type>
 void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
-                     int32_t* var, int32_t* mean) {
+                 int32_t* var, int32_t* mean) {
     for (int k = 0; k < H / 4; ++k) {
         const int x0 = (k & 1) * 8, y0 = (k >> 1) * 8;
         uint32_t p = 0, q = 0;
@@ -42,20 +42,22 @@ void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_s
 
 }  // namespace
 
-void variance_16x16_ref(const uint8_t* src, int step, int32_t* var) {
+KvtStatus variance_16x16_ref(const uint8_t* src, int step, int32_t* var) {
     uint32_t s, q;
     sums_ref<16, 16>(src, step, s, q);
     *var = int32_t(q - ((s * s) >> 8));  // s * s < 2^32: 65280^2 fits unsigned
+    return kvtStsOk;
 }
 
-void varmean_8x8_8u_ref(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
+KvtStatus varmean_8x8_8u_ref(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
     uint32_t s, q;
     sums_ref<8, 8>(src, step, s, q);
     *mean = int32_t(s);
     *var = int32_t((q - (s >> 3) * (s >> 3)) >> 6);
+    return kvtStsOk;
 }
 
-void varmean_8x8_16s_ref(const int16_t* src, int step, int32_t* var, int32_t* mean) {
+KvtStatus varmean_8x8_16s_ref(const int16_t* src, int step, int32_t* var, int32_t* mean) {
     int32_t s = 0;
     uint32_t q = 0;
     for (int x = 0; x < 8; ++x) {
@@ -69,28 +71,32 @@ void varmean_8x8_16s_ref(const int16_t* src, int step, int32_t* var, int32_t* me
         s += column;
     }
     varmean16s_finish(s, q, var, mean);
+    return kvtStsOk;
 }
 
 template <int type>
-void varmeandiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
-                           int32_t* var, int32_t* mean) {
+KvtStatus varmeandiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                const int32_t* sums, int32_t* var, int32_t* mean) {
     varmeandiff<16, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+    return kvtStsOk;
 }
 
 template <int type>
-void varmeandiff_16x8_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
-                          int32_t* var, int32_t* mean) {
+KvtStatus varmeandiff_16x8_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                               const int32_t* sums, int32_t* var, int32_t* mean) {
     varmeandiff<8, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+    return kvtStsOk;
 }
 
-#define KVT_INSTANTIATE(t)                                                                                       \
-    template void varmeandiff_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*,   \
-                                           int32_t*);                                                             \
-    template void varmeandiff_16x8_ref<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*, int32_t*);
+#define KVT_INSTANTIATE(t)                                                                                \
+    template KvtStatus varmeandiff_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, \
+                                                int32_t*, int32_t*);                                      \
+    template KvtStatus varmeandiff_16x8_ref<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*,  \
+                                               int32_t*, int32_t*);
 KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
 #undef KVT_INSTANTIATE
 
-void mean_abs_dev_16x16_ref(const uint8_t* src, int step, int32_t* dev) {
+KvtStatus mean_abs_dev_16x16_ref(const uint8_t* src, int step, int32_t* dev) {
     uint32_t s, q;
     sums_ref<16, 16>(src, step, s, q);
     const int mean = int((s + 128) >> 8);
@@ -98,6 +104,7 @@ void mean_abs_dev_16x16_ref(const uint8_t* src, int step, int32_t* dev) {
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) sum += std::abs(src[intptr_t(y) * step + x] - mean);
     *dev = sum;
+    return kvtStsOk;
 }
 
 }  // namespace kvt

@@ -22,7 +22,7 @@ struct RowSums {
 // right quarters (64-bit lanes of p) and their squared residuals (ql, qr).
 template <int H, int type>
 void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
-                      int32_t* var, int32_t* mean) {
+                 int32_t* var, int32_t* mean) {
     FixedRows<type, 16> pred(ref, ref_step);
     for (int band = 0; band < H / 8; ++band) {
         __m128i p = _mm_setzero_si128(), ql = _mm_setzero_si128(), qr = _mm_setzero_si128();
@@ -35,9 +35,11 @@ void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_s
             qr = _mm_add_epi32(qr, _mm_madd_epi16(dh, dh));
         }
         const int k = 2 * band;
-        const uint32_t p_left = uint32_t(_mm_cvtsi128_si32(p)), p_right = uint32_t(_mm_cvtsi128_si32(_mm_unpackhi_epi64(p, p)));
+        const uint32_t p_left = uint32_t(_mm_cvtsi128_si32(p)),
+                       p_right = uint32_t(_mm_cvtsi128_si32(_mm_unpackhi_epi64(p, p)));
         varmeandiff_finish<H == 16>(sums[k], p_left, uint32_t(hsum_epi32(ql)), var + k, mean + k);
-        varmeandiff_finish<H == 16>(sums[k + 1], p_right, uint32_t(hsum_epi32(qr)), var + k + 1, mean + k + 1);
+        varmeandiff_finish<H == 16>(sums[k + 1], p_right, uint32_t(hsum_epi32(qr)), var + k + 1,
+                                    mean + k + 1);
     }
 }
 
@@ -56,22 +58,29 @@ void variance16(const uint8_t* src, int step, int32_t* var) {
 
 }  // namespace
 
-void variance_16x16_sse2(const uint8_t* src, int step, int32_t* var) { variance16<false>(src, step, var); }
+KvtStatus variance_16x16_sse2(const uint8_t* src, int step, int32_t* var) {
+    variance16<false>(src, step, var);
+    return kvtStsOk;
+}
 
-void variance_16x16_a16_sse2(const uint8_t* src, int step, int32_t* var) { variance16<true>(src, step, var); }
+KvtStatus variance_16x16_a16_sse2(const uint8_t* src, int step, int32_t* var) {
+    variance16<true>(src, step, var);
+    return kvtStsOk;
+}
 
-void varmean_8x8_8u_sse2(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
+KvtStatus varmean_8x8_8u_sse2(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
     RowSums acc;
 #pragma GCC unroll 4
     for (int y = 0; y < 8; y += 2, src += 2 * intptr_t(step)) acc.add(load_2rows8(src, step));
     const uint32_t s = uint32_t(hsum_sad(acc.s)), q = uint32_t(hsum_epi32(acc.q));
     *mean = int32_t(s);
     *var = int32_t((q - (s >> 3) * (s >> 3)) >> 6);
+    return kvtStsOk;
 }
 
 // PADDSW adds the rows in order, exactly the saturating column sums. PMADDWD of a row with
 // itself wraps only for four -32768 lanes (2^31), which is the 32-bit wrap the sum keeps anyway.
-void varmean_8x8_16s_sse2(const int16_t* src, int step, int32_t* var, int32_t* mean) {
+KvtStatus varmean_8x8_16s_sse2(const int16_t* src, int step, int32_t* var, int32_t* mean) {
     const uint8_t* p = reinterpret_cast<const uint8_t*>(src);
     __m128i columns = _mm_setzero_si128(), q = _mm_setzero_si128();
 #pragma GCC unroll 8
@@ -82,30 +91,33 @@ void varmean_8x8_16s_sse2(const int16_t* src, int step, int32_t* var, int32_t* m
     }
     const int32_t s = hsum_epi32(_mm_madd_epi16(columns, _mm_set1_epi16(1)));
     varmean16s_finish(s, uint32_t(hsum_epi32(q)), var, mean);
+    return kvtStsOk;
 }
 
 template <int type>
-void varmeandiff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
-                            int32_t* var, int32_t* mean) {
+KvtStatus varmeandiff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                 const int32_t* sums, int32_t* var, int32_t* mean) {
     varmeandiff<16, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+    return kvtStsOk;
 }
 
 template <int type>
-void varmeandiff_16x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
-                           int32_t* var, int32_t* mean) {
+KvtStatus varmeandiff_16x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
+                                const int32_t* sums, int32_t* var, int32_t* mean) {
     varmeandiff<8, type>(cur, cur_step, ref, ref_step, sums, var, mean);
+    return kvtStsOk;
 }
 
-#define KVT_INSTANTIATE(t)                                                                                        \
-    template void varmeandiff_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*,   \
-                                            int32_t*);                                                             \
-    template void varmeandiff_16x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, int32_t*,    \
-                                           int32_t*);
+#define KVT_INSTANTIATE(t)                                                                                 \
+    template KvtStatus varmeandiff_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, \
+                                                 int32_t*, int32_t*);                                      \
+    template KvtStatus varmeandiff_16x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*,  \
+                                                int32_t*, int32_t*);
 KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
 #undef KVT_INSTANTIATE
 
 // Two passes over the block: the rounded mean first, then PSADBW against the broadcast mean.
-void mean_abs_dev_16x16_sse2(const uint8_t* src, int step, int32_t* dev) {
+KvtStatus mean_abs_dev_16x16_sse2(const uint8_t* src, int step, int32_t* dev) {
     const intptr_t st = step;
     __m128i s = _mm_setzero_si128();
 #pragma GCC unroll 16
@@ -115,6 +127,7 @@ void mean_abs_dev_16x16_sse2(const uint8_t* src, int step, int32_t* dev) {
 #pragma GCC unroll 16
     for (int y = 0; y < 16; ++y) acc = _mm_add_epi64(acc, _mm_sad_epu8(load(src + y * st), mean));
     *dev = hsum_sad(acc);
+    return kvtStsOk;
 }
 
 }  // namespace kvt
