@@ -30,7 +30,7 @@ int16_t* as16(uint8_t* p) { return reinterpret_cast<int16_t*>(p); }
 }  // namespace
 
 KVT_BENCH_ROWS {
-    for (size_t n : {64, 256, 1024, 4096}) {
+    for (size_t n : {64, 128, 256, 512, 1024, 4096}) {
         const std::string sz = "/" + std::to_string(n);
         add_row("kvtsSet_8u" + sz, on_buffer(n, [](uint8_t* p, int len) { set_8u_ref(3, p, len); }),
                 on_buffer(n, [](uint8_t* p, int len) { kvtsSet_8u(3, p, len); }), "memset",

@@ -3,7 +3,8 @@
 // Every kernel has a portable reference `<name>_ref`, always compiled, and where it pays an
 // SSE2 twin `<name>_sse2` in a separate *_sse2.cpp file. The twin is built when the target has
 // SSE2 (every x86-64 target, and 32-bit x86 with -msse2) and KVT_SIMD is on. The choice is made
-// once, by the compiler: no run-time detection, no global state.
+// once, by the compiler, with one exception: fills and copies of 65 to 512 bytes test for
+// 256-bit stores at run time (core/wide_stores.h). No global state.
 //
 // A kernel that writes its results through pointers returns the status its front returns on
 // success (kvtStsOk), so that a front ends in `return kernel(...)`: the compiler makes that a

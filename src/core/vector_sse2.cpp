@@ -1,6 +1,7 @@
 // SSE2 kernels of the vector helpers.
 #include "common/simd.h"
 #include "core/vector_kernels.h"
+#include "core/wide_stores.h"
 
 namespace kvt {
 
@@ -50,8 +51,8 @@ void fill_short(uint8_t* dst, size_t n, __m128i pattern) {
     for (size_t i = 0; i < n; ++i) dst[i] = bytes[i];
 }
 
-// Mid-sized byte fills go to the C library, whose memset the loader resolves to the widest
-// stores this processor has (up to four times the bytes per store of SSE2). The byte goes to
+// Mid-sized byte fills go to the C library (when 256-bit stores are missing, wide_stores.h),
+// whose memset the loader resolves to the widest stores this processor has. The byte goes to
 // memset as is: a round trip through a vector register would sit on its critical path.
 void fill_bytes(uint8_t* dst, size_t n, uint8_t val, bool stream) {
     if (n <= 64)
@@ -116,24 +117,28 @@ void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
 }  // namespace
 
 KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) {
+    if (use_wide_stores(size_t(len))) return fill_mid_avx2(dst, size_t(len), _mm_set1_epi8(char(val)));
     fill_bytes(dst, size_t(len), val, len > kStreamSetBytes);
     return kvtStsOk;
 }
 
 KvtStatus set_16s_sse2(int16_t val, int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
+    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val));
     fill_words(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val));
     return kvtStsOk;
 }
 
 KvtStatus zero_16s_sse2(int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
+    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, _mm_setzero_si128());
     fill_bytes(reinterpret_cast<uint8_t*>(dst), n, 0, int64_t(n) > kStreamZeroBytes);
     return kvtStsOk;
 }
 
 KvtStatus copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
     const size_t n = size_t(len);
+    if (use_wide_stores(n)) return copy_mid_avx2(src, dst, n);
     if (n <= 64) {
         copy_short(src, dst, n);
     } else if (len > kStreamCopyBytes) {
