@@ -114,13 +114,15 @@ void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
     }
 }
 
-}  // namespace
-
-KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) {
-    if (use_wide_stores(size_t(len))) return fill_mid_avx2(dst, size_t(len), _mm_set1_epi8(char(val)));
-    fill_bytes(dst, size_t(len), val, len > kStreamSetBytes);
+KvtStatus set_bytes(uint8_t* dst, size_t n, uint8_t val) {
+    if (use_wide_stores(n)) return fill_mid_avx2(dst, n, _mm_set1_epi8(char(val)));
+    fill_bytes(dst, n, val, int64_t(n) > kStreamSetBytes);
     return kvtStsOk;
 }
+
+}  // namespace
+
+KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) { return set_bytes(dst, size_t(len), val); }
 
 KvtStatus set_16s_sse2(int16_t val, int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
@@ -149,13 +151,17 @@ KvtStatus copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
     return kvtStsOk;
 }
 
+// Contiguous rows are one fill; rows of a block (64 bytes or less) share one pattern register.
 KvtStatus set_8u_c1r_sse2(uint8_t val, uint8_t* dst, int step, int width, int height) {
-    const bool stream = int64_t(width) * height > kStreamSetBytes;
-    if (step == width) {
-        fill_bytes(dst, size_t(width) * size_t(height), val, stream);
+    if (step == width) return set_bytes(dst, size_t(width) * size_t(height), val);
+    const size_t w = size_t(width);
+    if (w <= 64) {
+        const __m128i pattern = _mm_set1_epi8(char(val));
+        for (int y = 0; y < height; ++y, dst += step) fill_short(dst, w, pattern);
         return kvtStsOk;
     }
-    for (int y = 0; y < height; ++y, dst += step) fill_bytes(dst, size_t(width), val, stream);
+    const bool stream = int64_t(width) * height > kStreamSetBytes;
+    for (int y = 0; y < height; ++y, dst += step) fill_bytes(dst, w, val, stream);
     return kvtStsOk;
 }
 
