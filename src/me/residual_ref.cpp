@@ -57,8 +57,8 @@ struct GetDiffBRef {
 // Sums of the N/4 x N/4 sub-blocks of 4x4, raster order; tile k of the residual holds sub-block
 // k row-major (16 values).
 template <int N, bool WithDiff>
-void sums_diff(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
-               int16_t* diff) {
+KvtStatus sums_diff(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
+                    int16_t* diff) {
     constexpr int kPerRow = N / 4;
     for (int k = 0; k < kPerRow * kPerRow; ++k) {
         const int y0 = k / kPerRow * 4, x0 = k % kPerRow * 4;
@@ -72,6 +72,7 @@ void sums_diff(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_s
         }
         sums[k] = static_cast<int16_t>(sum);
     }
+    return kvtStsOk;
 }
 
 }  // namespace
@@ -98,20 +99,14 @@ KvtStatus get_diff_4x4_ref(const uint8_t* cur, int cur_step, const uint8_t* ref,
 
 KvtStatus sums_diff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
                               int16_t* sums, int16_t* diff) {
-    if (diff)
-        sums_diff<16, true>(cur, cur_step, pred, pred_step, sums, diff);
-    else
-        sums_diff<16, false>(cur, cur_step, pred, pred_step, sums, nullptr);
-    return kvtStsOk;
+    return diff ? sums_diff<16, true>(cur, cur_step, pred, pred_step, sums, diff)
+                : sums_diff<16, false>(cur, cur_step, pred, pred_step, sums, nullptr);
 }
 
 KvtStatus sums_diff_8x8_ref(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
                             int16_t* sums, int16_t* diff) {
-    if (diff)
-        sums_diff<8, true>(cur, cur_step, pred, pred_step, sums, diff);
-    else
-        sums_diff<8, false>(cur, cur_step, pred, pred_step, sums, nullptr);
-    return kvtStsOk;
+    return diff ? sums_diff<8, true>(cur, cur_step, pred, pred_step, sums, diff)
+                : sums_diff<8, false>(cur, cur_step, pred, pred_step, sums, nullptr);
 }
 
 }  // namespace kvt

@@ -147,8 +147,8 @@ struct GetDiffBSse2 {
 // Residual sums of 4x4 sub-blocks. Each band of four rows accumulates its column sums in 16-bit
 // lanes; two multiply-adds by one then fold four columns into one sub-block sum.
 template <int N, bool WithDiff>
-void sums_diff(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
-               int16_t* diff) {
+KvtStatus sums_diff(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
+                    int16_t* diff) {
     constexpr int V = N / 8;  // vectors per row
     const __m128i ones = _mm_set1_epi16(1);
     __m128i band_sums[N / 4];
@@ -184,6 +184,7 @@ void sums_diff(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_s
         const __m128i both = _mm_unpacklo_epi64(band_sums[0], band_sums[1]);
         store8(sums, _mm_packs_epi32(both, both));
     }
+    return kvtStsOk;
 }
 
 }  // namespace
@@ -202,20 +203,14 @@ const GetDiffBTable get_diff_b_8x4_sse2 = make_get_diff_b_table<GetDiffBSse2, 8,
 
 KvtStatus sums_diff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
                                int16_t* sums, int16_t* diff) {
-    if (diff)
-        sums_diff<16, true>(cur, cur_step, pred, pred_step, sums, diff);
-    else
-        sums_diff<16, false>(cur, cur_step, pred, pred_step, sums, nullptr);
-    return kvtStsOk;
+    return diff ? sums_diff<16, true>(cur, cur_step, pred, pred_step, sums, diff)
+                : sums_diff<16, false>(cur, cur_step, pred, pred_step, sums, nullptr);
 }
 
 KvtStatus sums_diff_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
                              int16_t* sums, int16_t* diff) {
-    if (diff)
-        sums_diff<8, true>(cur, cur_step, pred, pred_step, sums, diff);
-    else
-        sums_diff<8, false>(cur, cur_step, pred, pred_step, sums, nullptr);
-    return kvtStsOk;
+    return diff ? sums_diff<8, true>(cur, cur_step, pred, pred_step, sums, diff)
+                : sums_diff<8, false>(cur, cur_step, pred, pred_step, sums, nullptr);
 }
 
 }  // namespace kvt
