@@ -89,7 +89,6 @@ struct ByteCursor {
     uint32_t show(uint32_t n) const { return ownShowBits(p, uint32_t(offset), n); }
     uint32_t show16(uint32_t n) const { return ownShowBits16(p, uint32_t(offset), n); }
     void skip(int n) { ownFlushBits(&p, &offset, n); }
-    uint32_t get(uint32_t n) { return ownGetBits(&p, &offset, n); }
     void store(uint8_t** pp, int* pOffset) const {
         *pp = p;
         *pOffset = offset;

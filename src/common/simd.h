@@ -23,10 +23,6 @@ inline __m128i load4(const void* p) {
     std::memcpy(&v, p, 4);
     return _mm_cvtsi32_si128(v);
 }
-inline void store4(void* p, __m128i v) {
-    int32_t x = _mm_cvtsi128_si32(v);
-    std::memcpy(p, &x, 4);
-}
 
 // Sum of the four 32-bit lanes.
 inline int32_t hsum_epi32(__m128i v) {
