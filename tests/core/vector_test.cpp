@@ -152,7 +152,7 @@ TEST(VectorSimd, EveryKernelMatchesReference) {
         const int16_t level = int16_t(rng.uniform(-32768, 32767));
         (rng.coin() ? KVT_PICK(impl, threshold_gt_16s) : KVT_PICK(impl, threshold_lt_16s))(w.data(), len, level);
         out.add_buffer("threshold", w);
-        const int width = rng.uniform(1, 40), height = rng.uniform(1, 12), step = width + rng.uniform(0, 20);
+        const int width = rng.uniform(1, 90), height = rng.uniform(1, 12), step = width + rng.uniform(0, 1) * rng.uniform(0, 20);
         Guarded<uint8_t> r(size_t(step) * height, mis);
         KVT_PICK(impl, set_8u_c1r)(uint8_t(rng.next()), r.data(), step, width, height);
         out.add_buffer("set_8u_c1r", r);
