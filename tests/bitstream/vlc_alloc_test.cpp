@@ -8,8 +8,10 @@
 
 #include "kvtvc.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__has_feature)
-#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
+#if defined(__SANITIZE_ADDRESS__)
+#define KVT_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
 #define KVT_ASAN 1
 #endif
 #endif
@@ -19,7 +21,7 @@ namespace {
 using Init = KvtStatus (*)(const Kvt32s*, KvtVCHuffmanSpec_32s**);
 
 // Exit code 0 when `init` reports -9 and leaves the pointer as it was.
-[[noreturn]] void init_without_memory(Init init) {
+[[noreturn, maybe_unused]] void init_without_memory(Init init) {
     const Kvt32s description[] = {0, 1, 4, 1, 1, 0x0101, -1};  // read only after the allocation
     static KvtVCHuffmanSpec_32s mark;
     KvtVCHuffmanSpec_32s* table = &mark;
