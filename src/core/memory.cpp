@@ -23,7 +23,8 @@ Kvt8u* kvtsMalloc_8u(int len) {
     if (len < 1) return nullptr;
     void* raw = std::malloc(size_t(len) + kSpare);
     if (!raw) return nullptr;
-    const uintptr_t aligned = (reinterpret_cast<uintptr_t>(raw) + kSlot + kAlign - 1) & ~uintptr_t(kAlign - 1);
+    const uintptr_t aligned =
+        (reinterpret_cast<uintptr_t>(raw) + kSlot + kAlign - 1) & ~uintptr_t(kAlign - 1);
     std::memcpy(reinterpret_cast<void*>(aligned - kSlot), &raw, kSlot);
     return reinterpret_cast<Kvt8u*>(aligned);
 }

@@ -36,8 +36,8 @@ KVT_AVX2 inline void copy128(const uint8_t* s, uint8_t* d) {
 
 // Up to 128 bytes: two stores from each end, overlapping in the middle. Above: 128-byte blocks,
 // the last one ending at the end of the buffer.
-KVT_AVX2 KvtStatus fill_mid_avx2(uint8_t* dst, size_t n, __m128i pattern) {
-    const __m256i v = _mm256_broadcastsi128_si256(pattern);
+KVT_AVX2 KvtStatus fill_mid_avx2(uint8_t* dst, size_t n, uint16_t pair) {
+    const __m256i v = _mm256_set1_epi16(int16_t(pair));
     uint8_t* const end = dst + n;
     if (n <= 128) {
         store32(dst, v);

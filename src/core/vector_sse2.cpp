@@ -115,7 +115,7 @@ void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
 }
 
 KvtStatus set_bytes(uint8_t* dst, size_t n, uint8_t val) {
-    if (use_wide_stores(n)) return fill_mid_avx2(dst, n, _mm_set1_epi8(char(val)));
+    if (use_wide_stores(n)) return fill_mid_avx2(dst, n, uint16_t(val * 0x0101u));
     fill_bytes(dst, n, val, int64_t(n) > kStreamSetBytes);
     return kvtStsOk;
 }
@@ -126,14 +126,14 @@ KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) { return set_bytes(dst
 
 KvtStatus set_16s_sse2(int16_t val, int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
-    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val));
+    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, uint16_t(val));
     fill_words(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val));
     return kvtStsOk;
 }
 
 KvtStatus zero_16s_sse2(int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
-    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, _mm_setzero_si128());
+    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, 0);
     fill_bytes(reinterpret_cast<uint8_t*>(dst), n, 0, int64_t(n) > kStreamZeroBytes);
     return kvtStsOk;
 }

@@ -31,10 +31,10 @@ inline bool has_avx2() {
 // Whether the mid-size functions below serve n bytes.
 inline bool use_wide_stores(size_t n) { return n > 64 && n <= kWideStoreMaxBytes && has_avx2(); }
 
-// Fills 64 < n <= kWideStoreMaxBytes bytes with `pattern` (as fill_body: byte i belongs at
-// dst + i modulo 16, n and every store offset even for 16-bit patterns). Both return kvtStsOk,
-// so that a kernel can end in a jump to them.
-KvtStatus fill_mid_avx2(uint8_t* dst, size_t n, __m128i pattern);
+// Fills 64 < n <= kWideStoreMaxBytes bytes with the 16-bit `pair` in memory order (a byte fill
+// passes the byte twice; a 16-bit fill has n even). Both return kvtStsOk, so that a kernel can
+// end in a jump to them. The pattern is broadcast inside: one instruction with AVX2.
+KvtStatus fill_mid_avx2(uint8_t* dst, size_t n, uint16_t pair);
 
 // Copies 64 < n <= kWideStoreMaxBytes bytes; the buffers do not overlap.
 KvtStatus copy_mid_avx2(const uint8_t* src, uint8_t* dst, size_t n);
