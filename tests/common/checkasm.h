@@ -6,10 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/dispatch.h"
@@ -38,37 +41,27 @@ private:
     uint64_t s_;
 };
 
-// A buffer of n elements placed `misalign` bytes past a 64-byte boundary, with guard bytes on
-// both sides. Contents start as a fixed pattern so that unwritten bytes compare equal.
+// A buffer of n elements placed `misalign` bytes past a 64-byte boundary, with 64 guard bytes on
+// both sides. Contents start as the guard pattern so that unwritten bytes compare equal.
 template <class T>
 class Guarded {
 public:
-    static constexpr size_t kGuard = 64;
-    static constexpr uint8_t kGuardByte = 0xA5;
-
-    explicit Guarded(size_t n, size_t misalign = 0)
-        : n_(n), off_(kGuard + misalign), raw_(kGuard * 2 + misalign + n * sizeof(T) + 64, kGuardByte) {
-        base_ = raw_.data() + (64 - reinterpret_cast<uintptr_t>(raw_.data()) % 64) % 64;
+    explicit Guarded(size_t n, size_t misalign = 0) : n_(n), raw_(192 + misalign + n * sizeof(T), 0xA5) {
+        begin_ = raw_.data() + (64 - reinterpret_cast<uintptr_t>(raw_.data()) % 64) % 64 + 64 + misalign;
     }
-    T* data() { return reinterpret_cast<T*>(base_ + off_); }
-    const T* data() const { return reinterpret_cast<const T*>(base_ + off_); }
+    T* data() { return reinterpret_cast<T*>(begin_); }
     size_t size() const { return n_; }
     T& operator[](size_t i) { return data()[i]; }
     bool guards_intact() const {
-        const uint8_t* p = base_ + off_;
-        for (size_t i = 1; i <= kGuard; ++i)
-            if (p[-ptrdiff_t(i)] != kGuardByte || p[n_ * sizeof(T) + i - 1] != kGuardByte) return false;
-        return true;
+        const auto intact = [](const uint8_t* p) { return std::count(p, p + 64, 0xA5) == 64; };
+        return intact(begin_ - 64) && intact(begin_ + n_ * sizeof(T));
     }
-    std::vector<uint8_t> bytes() const {
-        const uint8_t* p = base_ + off_;
-        return std::vector<uint8_t>(p, p + n_ * sizeof(T));
-    }
+    std::vector<uint8_t> bytes() const { return std::vector<uint8_t>(begin_, begin_ + n_ * sizeof(T)); }
 
 private:
-    size_t n_, off_;
+    size_t n_;
     std::vector<uint8_t> raw_;
-    uint8_t* base_;
+    uint8_t* begin_;
 };
 
 // A 2-D block of `rows` rows of `width` samples with a byte step that may exceed the width, be
@@ -77,51 +70,33 @@ template <class T>
 class Plane {
 public:
     Plane(int width, int rows, int step, size_t misalign = 0)
-        : width_(width), rows_(rows), step_(step),
-          buf_(size_t(rows - 1) * size_t(step < 0 ? -step : step) / sizeof(T) + size_t(width), misalign) {}
+        : rows_(rows), step_(step), buf_(size_t(rows - 1) * size_t(std::abs(step)) / sizeof(T) + size_t(width), misalign) {}
     int step() const { return step_; }
-    T* data() {
-        uint8_t* first = reinterpret_cast<uint8_t*>(buf_.data());
-        if (step_ < 0) first += size_t(rows_ - 1) * size_t(-step_);
-        return reinterpret_cast<T*>(first);
-    }
-    T* row(int y) { return reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(data()) + ptrdiff_t(y) * step_); }
-    void randomize(Rng& rng, int lo, int hi) { rng.fill(buf_.data(), buf_.size(), lo, hi); }
-    void fill(T v) {
-        for (size_t i = 0; i < buf_.size(); ++i) buf_[i] = v;
-    }
+    T* data() { return shift(buf_.data(), step_ < 0 ? 1 - rows_ : 0); }
+    T* row(int y) { return shift(data(), y); }
     bool guards_intact() const { return buf_.guards_intact(); }
     std::vector<uint8_t> bytes() const { return buf_.bytes(); }
 
 private:
-    int width_, rows_, step_;
+    T* shift(T* p, int rows) { return reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(p) + ptrdiff_t(rows) * step_); }
+    int rows_, step_;
     Guarded<T> buf_;
 };
 
 // What one run of a trial produced, as named byte strings.
-class Outputs {
-public:
+struct Outputs {
+    std::vector<std::pair<std::string, std::vector<uint8_t>>> items;
     void add(const std::string& name, const void* p, size_t n) {
         const uint8_t* b = static_cast<const uint8_t*>(p);
-        items_.push_back({name, std::vector<uint8_t>(b, b + n)});
+        items.emplace_back(name, std::vector<uint8_t>(b, b + n));
     }
     template <class T>
     void add(const std::string& name, const T& value) { add(name, &value, sizeof(T)); }
     template <class Buf>
     void add_buffer(const std::string& name, const Buf& buf) {
         EXPECT_TRUE(buf.guards_intact()) << name << ": write outside the buffer";
-        const std::vector<uint8_t> b = buf.bytes();
-        add(name, b.data(), b.size());
+        items.emplace_back(name, buf.bytes());
     }
-    // Empty when equal, else a description of the first difference.
-    static std::string diff(const Outputs& ref, const Outputs& simd);
-
-private:
-    struct Item {
-        std::string name;
-        std::vector<uint8_t> bytes;
-    };
-    std::vector<Item> items_;
 };
 
 enum class Impl { Ref, Simd };
@@ -137,15 +112,16 @@ void compare_kernels(const char* what, int trials, Body body) {
         Outputs ref, simd;
         body(r1, Impl::Ref, ref);
         body(r2, Impl::Simd, simd);
-        const std::string d = Outputs::diff(ref, simd);
-        ASSERT_TRUE(d.empty()) << what << ", trial " << t << " (seed " << seed << "): " << d;
+        ASSERT_EQ(ref.items.size(), simd.items.size()) << what;
+        for (size_t i = 0; i < ref.items.size(); ++i) {
+            const std::vector<uint8_t>&a = ref.items[i].second, &b = simd.items[i].second;
+            ASSERT_TRUE(a == b) << what << ", trial " << t << " (seed " << seed << "): " << ref.items[i].first
+                                << " differs from byte " << std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
+        }
     }
 }
 
 // Picks the reference or the dispatched kernel of a family by name.
 #define KVT_PICK(impl, name) ((impl) == ::kvt::test::Impl::Ref ? name##_ref : KVT_KERNEL(name))
-
-// Absolute path of a file in the shared code-table folder.
-std::string table_path(const std::string& file);
 
 }  // namespace kvt::test

@@ -4,44 +4,22 @@
 
 #include <fstream>
 #include <sstream>
-#include <stdexcept>
-
-#include "checkasm.h"
 
 namespace kvt::test {
-namespace {
-
-std::vector<std::string> split_tabs(const std::string& line) {
-    std::vector<std::string> out;
-    std::string cell;
-    std::istringstream is(line);
-    while (std::getline(is, cell, '\t')) out.push_back(cell);
-    return out;
-}
-
-}  // namespace
-
-const std::string& TsvRow::operator[](const std::string& column) const {
-    const auto it = cells.find(column);
-    if (it == cells.end()) throw std::out_of_range("no column " + column);
-    return it->second;
-}
-
-int TsvRow::num(const std::string& column) const { return std::stoi((*this)[column]); }
 
 std::vector<TsvRow> read_table(const std::string& file) {
-    std::ifstream in(table_path(file));
-    EXPECT_TRUE(in.good()) << "cannot open " << table_path(file);
-    std::string line;
+    std::ifstream in(std::string(KVT_TABLES_DIR) + "/" + file);
+    EXPECT_TRUE(in.good()) << "cannot open " << file;
+    std::string line, cell;
+    std::getline(in, line);
+    std::vector<std::string> header;
+    for (std::istringstream is(line); std::getline(is, cell, '\t');) header.push_back(cell);
     std::vector<TsvRow> rows;
-    if (!std::getline(in, line)) return rows;
-    const std::vector<std::string> header = split_tabs(line);
     while (std::getline(in, line)) {
         if (line.empty()) continue;
-        const std::vector<std::string> cells = split_tabs(line);
-        TsvRow row;
-        for (size_t i = 0; i < header.size() && i < cells.size(); ++i) row.cells[header[i]] = cells[i];
-        rows.push_back(std::move(row));
+        std::istringstream is(line);
+        rows.emplace_back();
+        for (size_t i = 0; i < header.size() && std::getline(is, cell, '\t'); ++i) rows.back().cells[header[i]] = cell;
     }
     return rows;
 }

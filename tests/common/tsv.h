@@ -9,8 +9,8 @@ namespace kvt::test {
 
 struct TsvRow {
     std::map<std::string, std::string> cells;
-    const std::string& operator[](const std::string& column) const;
-    int num(const std::string& column) const;  // the cell as a decimal integer
+    const std::string& operator[](const std::string& column) const { return cells.at(column); }
+    int num(const std::string& column) const { return std::stoi(cells.at(column)); }
 };
 
 // Rows of `file` in the shared tables folder; fails the current test when it cannot be read.
