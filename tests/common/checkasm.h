@@ -86,12 +86,11 @@ private:
 // What one run of a trial produced, as named byte strings.
 struct Outputs {
     std::vector<std::pair<std::string, std::vector<uint8_t>>> items;
-    void add(const std::string& name, const void* p, size_t n) {
-        const uint8_t* b = static_cast<const uint8_t*>(p);
-        items.emplace_back(name, std::vector<uint8_t>(b, b + n));
-    }
     template <class T>
-    void add(const std::string& name, const T& value) { add(name, &value, sizeof(T)); }
+    void add(const std::string& name, const T& value) {
+        const uint8_t* b = reinterpret_cast<const uint8_t*>(&value);
+        items.emplace_back(name, std::vector<uint8_t>(b, b + sizeof(T)));
+    }
     template <class Buf>
     void add_buffer(const std::string& name, const Buf& buf) {
         EXPECT_TRUE(buf.guards_intact()) << name << ": write outside the buffer";
