@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string>
-#include <utility>
 
 #include "checkasm.h"
 #include "kvtvc.h"
@@ -112,49 +111,6 @@ int64_t anchor(const uint8_t* c, int cs, const uint8_t* f, int fs, int tf, int w
     return s;
 }
 
-// VarMeanDiff per 8x8 quarter from 64-bit sums; C++ division truncates toward zero like the mean's.
-void anchor_varmeandiff(const uint8_t* c, int cs, const uint8_t* r, int rs, int h, int type,
-                        const int32_t* sums, int32_t* var, int32_t* mean) {
-    for (int k = 0; k < h / 4; ++k) {
-        int64_t p = 0, q = 0;  // prediction sum, sum of squared residuals
-        for (int i = 0; i < 64; ++i) {
-            const int x = (k & 1) * 8 + i % 8, y = (k >> 1) * 8 + i / 8;
-            const int pr = anchor_pred(r, rs, x, y, type), d = c[intptr_t(y) * cs + x] - pr;
-            p += pr, q += d * d;
-        }
-        const int64_t m = (sums[k] - p) / 8, big_m = m * m + (h == 16 && m < 0 ? 1 : 0);
-        mean[k] = int32_t(m);
-        var[k] = q > big_m ? int32_t((q - big_m) >> 6) : 0;
-    }
-}
-
-// 16-bit VarMean (variance, mean): column sums saturate in row order, squares wrap modulo 2^32.
-std::pair<int32_t, int32_t> anchor_varmean16(Block<int16_t>& w) {
-    int64_t s = 0;
-    uint32_t q = 0;
-    for (int x = 0; x < 8; ++x) {
-        int col = 0;
-        for (int y = 0; y < 8; ++y)
-            col = std::clamp(col + w.at(x, y), -32768, 32767), q += uint32_t(w.at(x, y) * w.at(x, y));
-        s += col;
-    }
-    const int64_t m = s / 8;
-    return {int32_t(uint32_t(q - uint32_t(m * m + (m < 0))) >> 6), int32_t(s)};
-}
-
-// Edge detector with the count test spelled out modulo 256.
-uint8_t anchor_edges(const uint8_t* src, int step, int t, int n) {
-    const int st = t >= 128 ? t - 256 : t;  // the threshold compares signed
-    for (int r = 0, k = 0; r < 15; ++r) {
-        for (int i = 0; i < 15; ++i) {
-            const uint8_t* p = src + intptr_t(r) * step + i;
-            k += std::min(std::abs(p[0] - p[1]), 127) > st || std::min(std::abs(p[0] - p[step]), 127) > st;
-        }
-        if ((256 - k % 256) % 256 < (256 - n) % 256) return 1;
-    }
-    return 0;
-}
-
 // Current block and references of one kernel call.
 struct In {
     const uint8_t *c, *r, *r2;
@@ -226,7 +182,7 @@ void every_kernel(Impl impl, const Args& a, Blocks&& blk, Sink&& sink) {
             const GetDiffTable& t = impl == Impl::Ref ? *z.ref : *z.simd;
             const GetDiffBTable& tb = impl == Impl::Ref ? *z.ref_b : *z.simd_b;
             const In g = blk(z.w, z.h, (i & 6) << 1, 0), gb = blk(z.w, z.h, (i & 3) << 2, i & 12);
-            const int v = z.w * 10000 + z.h * 100 + i;
+            const int v = int(&z - kSizes) * 16 + i;
             if (i < 8)
                 t[size_t(i)](g.c, g.cs, g.r, g.rs, a.diff, a.ds, a.pred, a.ps, a.rc), sink("get_diff", v);
             tb[size_t(i)](gb.c, gb.cs, gb.r, gb.rs, gb.r2, gb.rs2, a.diff, a.ds, a.rc), sink("get_diff_b", v);
@@ -237,7 +193,6 @@ uint8_t b[17 * 17], o[1024];  // input block; outputs, which must stay untouched
 Kvt32s* const o4 = reinterpret_cast<Kvt32s*>(o);
 Kvt16s* const o2 = reinterpret_cast<Kvt16s*>(o);
 Kvt16u* const o2u = reinterpret_cast<Kvt16u*>(o);
-const Kvt32s sums[4] = {};
 
 }  // namespace
 
@@ -269,9 +224,8 @@ TEST(MeStatus, NullPointersWriteNothing) {
         KVT_CASE(1, kvtiMeanAbsDev16x16_8u32s_C1R(P(0, b), 16, o4)),
         KVT_CASE(2, kvtiEdgesDetect16x16_8u_C1R(P(0, b), 16, 1, 1, P(1, o))),
         KVT_CASE(5,
-                 kvtiVarMeanDiff16x16_8u32s_C1R(P(0, b), 16, P(1, b), 17, P(2, sums), P(3, o4), P(4, o4), 3)),
-        KVT_CASE(5,
-                 kvtiVarMeanDiff16x8_8u32s_C1R(P(0, b), 16, P(1, b), 17, P(2, sums), P(3, o4), P(4, o4), 3)),
+                 kvtiVarMeanDiff16x16_8u32s_C1R(P(0, b), 16, P(1, b), 17, P(2, o4), P(3, o4), P(4, o4), 3)),
+        KVT_CASE(5, kvtiVarMeanDiff16x8_8u32s_C1R(P(0, b), 16, P(1, b), 17, P(2, o4), P(3, o4), P(4, o4), 3)),
         KVT_CASE(3, s.fn(P(0, b), 16, P(1, b), 17, P(2, o2), 32, o2, 32, 12, 1)),
         KVT_CASE(4, s.fn_b(P(0, b), 16, P(1, b), 17, 0, P(2, b), 17, 0, P(3, o2), 32, 0)),
         KVT_CASE(3, kvtiGetDiff4x4_8u16s_C1(P(0, b), 4, P(1, b), 4, P(2, o2), 8)),
@@ -307,15 +261,12 @@ TEST(MeBounds, EveryKernelReadsOnlyWhatItsPhaseNeeds) {
         for (Impl impl : {Impl::Ref, Impl::Simd}) {
             const int rs = cs == 16 ? 20 : -21;
             const Args a{
-                diff, pred, tiles, 32, 32, cs == 16, s, sums, w16, 18, guarded_block(pb, 64, 1, 64, rng),
+                diff, pred, tiles, 32, 32, cs == 16, s, o4, w16, 18, guarded_block(pb, 64, 1, 64, rng),
                 255,  0};
             auto blk = [&](int cols, int rows, int f, int b) {
-                return In{guarded_block(cb, cols, rows, cs, rng),
-                          guarded_block(rb, cols, rows, rs, rng, f),
-                          guarded_block(rb2, cols, rows, -rs, rng, b),
-                          cs,
-                          rs,
-                          -rs};
+                const uint8_t* c = guarded_block(cb, cols, rows, cs, rng);
+                const uint8_t* r = guarded_block(rb, cols, rows, rs, rng, f);
+                return In{c, r, guarded_block(rb2, cols, rows, -rs, rng, b), cs, rs, -rs};
             };
             every_kernel(impl, a, blk, [](const char*, int) {});
         }
@@ -354,138 +305,24 @@ TEST(MeSimd, EveryKernelMatchesReference) {
     });
 }
 
-// 2x2-periodic references a b / c d, a current block of zeros: residual = -prediction. The
-// 16-wide forms round wide, the 8-wide ones narrow. Then forward 10, backward 11 at the integer
-// position: the bidirectional residuals truncate the average to 10, the bidirectional squared
-// difference rounds it up to 11.
-TEST(ResidualRounding, NarrowWideAndBidirectional) {
-    // clang-format off
-    const struct {
-        uint8_t a, b, c, d;
-        int type, r, want8, want16;
-    } cases[] = {
-        {0, 0, 0, 1, 12, 1, 0, 0}, {0, 0, 0, 1, 12, 0, 0, 1}, {1, 1, 1, 1, 12, 1, 1, 1},
-        {1, 1, 1, 2, 12, 0, 1, 2}, {3, 4, 5, 6, 0, 0, 3, 3}, {3, 4, 5, 6, 8, 1, 3, 4},
-        {3, 4, 5, 6, 4, 1, 4, 4},
-        {10, 10, 10, 10, 4, 0, 10, 11}, {10, 10, 10, 10, 4, 1, 10, 10}, {10, 10, 10, 10, 8, 0, 10, 11},
-        {255, 255, 255, 255, 4, 0, 255, 256}, {255, 255, 255, 255, 12, 0, 255, 255}};
-    // clang-format on
-    uint8_t ref[17 * 17], cur[17 * 17] = {}, fwd[17 * 17];
-    int16_t diff[256], pred[256];
-    for (const auto& k : cases) {
-        for (int i = 0; i < 17 * 17; ++i)
-            ref[i] = i / 17 & 1 ? (i % 17 & 1 ? k.d : k.c) : (i % 17 & 1 ? k.b : k.a);
-        for (const Size& s : kSizes)
-            for (int r : {k.r, k.r ? -7 : 0}) {  // any non-zero rounding control acts as 1
-                ASSERT_EQ(s.fn(cur, 16, ref, 17, diff, 32, pred, 32, k.type, r), kvtStsOk);
-                const int want = s.w == 16 ? k.want16 : k.want8;
-                EXPECT_TRUE(pred[0] == want && diff[0] == -want)
-                    << s.w << "x" << s.h << " type " << k.type << " r " << r;
-            }
-    }
-    std::fill(cur, cur + 289, 20), std::fill(fwd, fwd + 289, 10), std::fill(ref, ref + 289, 11);
-    for (const Size& s : kSizes) {
-        ASSERT_EQ(s.fn_b(cur, 16, fwd, 17, 0, ref, 17, 0, diff, 32, 0), kvtStsOk);
-        EXPECT_EQ(diff[0], 10) << s.w << "x" << s.h;
-    }
-    Kvt32s sq = -1;
-    ASSERT_EQ(kvtiSqrDiff16x16B_8u32s(cur, 16, fwd, 17, 0, ref, 17, 0, &sq), kvtStsOk);
-    EXPECT_EQ(sq, 81 * 256);
-}
-
-// Every size, type (stray bits ignored) and rounding control against the model, the bidirectional
-// form over all sixteen phase pairs; checks residual, prediction and guard bytes. At the integer
-// position the 4x4 residual too.
-TEST(ResidualModel, PublicFunctionsMatchModel) {
-    Rng rng(41);
-    for (const Size& s : kSizes)
-        for (int type : {0, 4, 8, 12, 1, 2, 3, 7, 13, -1, 0x7FFFFFF0, -4})
-            for (int r : {0, 1}) {
-                Block<> cur(rng, s.w, s.h, any_pattern(rng)), ref(rng, s.w + 1, s.h + 1, any_pattern(rng)),
-                    fwd(rng, s.w + 1, s.h + 1, any_pattern(rng));
-                const uint8_t *c = cur.data(), *rf = ref.data(), *fw = fwd.data();
-                const int cs = cur.step(), rs = ref.step(), fs = fwd.step();
-                Plane<int16_t> diff(s.w, s.h, 2 * s.w + 6), pred(s.w, s.h, -2 * s.w), db(s.w, s.h, 2 * s.w);
-                ASSERT_EQ(s.fn(c, cs, rf, rs, diff.data(), diff.step(), pred.data(), pred.step(), type, r),
-                          kvtStsOk);
-                for (int fp : kPhaseTypes) {
-                    const int ft = fp | (type & ~12);
-                    ASSERT_EQ(s.fn_b(c, cs, fw, fs, ft, rf, rs, type, db.data(), db.step(), r), kvtStsOk);
-                    for (int i = 0; i < s.w * s.h; ++i) {
-                        const int x = i % s.w, y = i / s.w,
-                                  p = anchor_pred(rf, rs, x, y, type, (s.w == 16) - r);
-                        const int b =
-                            (anchor_pred(fw, fs, x, y, ft, -r) + anchor_pred(rf, rs, x, y, type, -r)) >> 1;
-                        ASSERT_TRUE(pred.row(y)[x] == p && diff.row(y)[x] == cur.at(x, y) - p &&
-                                    db.row(y)[x] == cur.at(x, y) - b)
-                            << s.w << "x" << s.h << " types " << ft << "/" << type << " r " << r << " at "
-                            << i;
-                    }
-                }
-                EXPECT_TRUE(diff.guards_intact() && pred.guards_intact() && db.guards_intact());
-                if (type != 0) continue;
-                Plane<int16_t> d4(4, 4, r ? -12 : 10);
-                ASSERT_EQ(kvtiGetDiff4x4_8u16s_C1(c, cs, rf, rs, d4.data(), d4.step()), kvtStsOk);
-                for (int i = 0; i < 16; ++i)
-                    ASSERT_EQ(d4.row(i / 4)[i % 4], diff.row(i / 4)[i % 4]) << "4x4 " << i;
-                EXPECT_TRUE(d4.guards_intact());
-            }
-}
-
-// current - prediction at the integer position: the 4x4 sub-block sums of 16x16 and 8x8 blocks
-// with and without their tiles, and the 8x8 texture error with and without SAD.
-TEST(ResidualModel, SumsTilesAndTextureError) {
-    Rng rng(7);
-    for (int trial = 0; trial < 36; ++trial) {
-        Block<> cur(rng, 16, 16, Pattern(trial % 6)), pred(rng, 16, 16, Pattern(trial / 6));
-        auto d = [&](int x, int y) { return cur.at(x, y) - pred.at(x, y); };
-        const uint8_t *c = cur.data(), *p = pred.data();
-        const int cs = cur.step(), ps = pred.step();
-        for (int n : {16, 8}) {
-            const auto fn = n == 16 ? kvtiSumsDiff16x16Blocks4x4_8u16s_C1 : kvtiSumsDiff8x8Blocks4x4_8u16s_C1;
-            Guarded<int16_t> sums(size_t(n * n / 16)), sums2(sums.size()), tiles(size_t(n * n));
-            ASSERT_EQ(fn(c, cs, p, ps, sums.data(), tiles.data()), kvtStsOk);
-            ASSERT_EQ(fn(c, cs, p, ps, sums2.data(), nullptr), kvtStsOk);
-            int want[16] = {};
-            for (int i = 0; i < n * n; ++i) {  // value i % 16 of sub-block k in raster order
-                const int k = i / 16, v = d(k % (n / 4) * 4 + i % 4, k / (n / 4) * 4 + i % 16 / 4);
-                ASSERT_EQ(tiles[size_t(i)], v) << n << " tile value " << i;
-                want[k] += v;
-            }
-            for (size_t k = 0; k < sums.size(); ++k)
-                ASSERT_TRUE(sums[k] == want[k] && sums2[k] == want[k]) << n << " " << k;
-            EXPECT_TRUE(sums.guards_intact() && sums2.guards_intact() && tiles.guards_intact());
-        }
-        uint8_t tp[64];
-        for (int i = 0; i < 64; ++i) tp[i] = pred.at(i % 8, i / 8);
-        Guarded<int16_t> te(64), te2(64);
-        Kvt32s sad = -1, want_sad = 0;
-        ASSERT_EQ(kvtiComputeTextureErrorBlock_SAD_8u16s(c, cs, tp, te.data(), &sad), kvtStsOk);
-        ASSERT_EQ(kvtiComputeTextureErrorBlock_8u16s(c, cs, tp, te2.data()), kvtStsOk);
-        for (size_t i = 0; i < 64; ++i) {
-            ASSERT_TRUE(te[i] == d(int(i % 8), int(i / 8)) && te2[i] == te[i]) << i;
-            want_sad += std::abs(te[i]);
-        }
-        EXPECT_TRUE(sad == want_sad && te.guards_intact() && te2.guards_intact());
-    }
-}
-
-// Every metric against its anchor. Types beyond the four phases: the 8x8 SAD takes them as both
-// halves, the 16x16 SAD and the bidirectional form use bits 8 and 4, the single squared difference
-// and VarMeanDiff return 0 without writing. Trials 0..35 pair every two patterns (all 255 against
-// all 0 gives the largest sums; all 255 makes S^2 exceed int32 in Variance16x16).
-TEST(MetricModel, EveryMetricMatchesAnchor) {
+// Every public function against models written from the formulas, on random blocks. Trials 0..35
+// pair every two patterns (all 255 against all 0 gives the largest sums; all 255 makes S^2 exceed
+// int32 in Variance16x16). Types beyond the four phases: the 8x8 SAD takes them as both halves, the
+// 16x16 SAD, the residuals and the bidirectional forms use bits 8 and 4, the single squared
+// difference and VarMeanDiff return 0 without writing. Any non-zero rounding control acts as 1;
+// the 16-wide residuals round wide, the others narrow.
+TEST(MeModel, PublicFunctionsMatchModel) {
     Rng rng(21);
     for (int trial = 0; trial < 150; ++trial) {
         const Pattern pc = trial < 36 ? Pattern(trial % 6) : any_pattern(rng);
         Block<> cur(rng, 16, 16, pc, 0, 255, rng.uniform(0, 2) == 0),
             ref(rng, 17, 17, trial < 36 ? Pattern(trial / 6) : any_pattern(rng)),
             ref2(rng, 17, 17, any_pattern(rng));
-        const int range = trial % 3 == 0 ? 300 : 32768;
-        Block<int16_t> w(rng, 8, 8, pc, -range, range - 1);
+        const int range = trial % 3 == 0 ? 300 : 32768, rc = rng.uniform(-1, 1), rd = rc != 0;
+        Block<int16_t> w(rng, 8, 8, pc, -range, trial % 4 ? range - 1 : -1);  // flat negative blocks too
         const uint8_t *c = cur.data(), *r = ref.data(), *r2 = ref2.data();
         const int cs = cur.step(), rs = ref.step(), rs2 = ref2.step();
-        for (int type : {0, 4, 8, 12, 1, 6, 13, 20, -4, 0x40000008}) {
+        for (int type : {0, 4, 8, 12, 1, 6, 13, 20, -1, -4, 0x40000008}) {
             const int t = type & 12;
             const bool code = type == t;
             Kvt32s s16 = -1, s8 = -1, sq = -123;
@@ -499,88 +336,125 @@ TEST(MetricModel, EveryMetricMatchesAnchor) {
                 ASSERT_EQ(kvtiSqrDiff16x16B_8u32s(c, cs, r, rs, type, r2, rs2, tb, &sq), kvtStsOk);
                 EXPECT_EQ(sq, anchor(c, cs, r, rs, t, 16, true, r2, rs2, tb & 12)) << type << "/" << tb;
             }
+            // VarMeanDiff per 8x8 quarter on 64-bit sums (C++ division truncates like the mean's);
+            // current sums near the prediction's give small negative means too.
             for (int h : {16, 8}) {
-                int32_t sums[4], v[4], m[4], av[4], am[4];
-                for (int i = 0; i < 4; ++i) sums[i] = rng.uniform(0, 16320), v[i] = m[i] = av[i] = am[i] = 7;
+                int32_t sums[4], v[4] = {7, 7, 7, 7}, m[4] = {7, 7, 7, 7};
+                int64_t p[4] = {}, q[4] = {};  // prediction sums, sums of squared residuals
+                for (int i = 0; i < 256; ++i) {
+                    const int x = i % 16, y = i / 16, pr = anchor_pred(r, rs, x, y, type),
+                              d = cur.at(x, y) - pr;
+                    p[y / 8 * 2 + x / 8] += pr, q[y / 8 * 2 + x / 8] += d * d;
+                }
+                for (int k = 0; k < 4; ++k)
+                    sums[k] = int32_t(rng.coin() ? rng.uniform(0, 16320) : p[k] - rng.uniform(0, 9));
                 auto fn = h == 16 ? kvtiVarMeanDiff16x16_8u32s_C1R : kvtiVarMeanDiff16x8_8u32s_C1R;
                 ASSERT_EQ(fn(c, cs, r, rs, sums, v, m, type), kvtStsOk);
-                if (code) anchor_varmeandiff(c, cs, r, rs, h, type, sums, av, am);
-                EXPECT_TRUE(std::equal(v, v + 4, av) && std::equal(m, m + 4, am)) << type << " h " << h;
+                for (int k = 0; k < 4; ++k) {
+                    const int64_t mk = (sums[k] - p[k]) / 8, big_m = mk * mk + (h == 16 && mk < 0);
+                    const int64_t vk = q[k] > big_m ? (q[k] - big_m) >> 6 : 0, written = code && k < h / 4;
+                    EXPECT_TRUE(m[k] == (written ? mk : 7) && v[k] == (written ? vk : 7))
+                        << type << " h" << h;
+                }
+            }
+            for (const Size& s : kSizes) {
+                Plane<int16_t> diff(s.w, s.h, 2 * s.w + 6), pred(s.w, s.h, -2 * s.w), db(s.w, s.h, 2 * s.w);
+                ASSERT_EQ(s.fn(c, cs, r, rs, diff.data(), diff.step(), pred.data(), pred.step(), type, rc),
+                          kvtStsOk);
+                for (int fp : kPhaseTypes) {
+                    const int ft = fp | (type & ~12);
+                    ASSERT_EQ(s.fn_b(c, cs, r2, rs2, ft, r, rs, type, db.data(), db.step(), rc), kvtStsOk);
+                    for (int i = 0; i < s.w * s.h; ++i) {
+                        const int x = i % s.w, y = i / s.w, p = anchor_pred(r, rs, x, y, t, (s.w == 16) - rd);
+                        const int b =
+                            (anchor_pred(r2, rs2, x, y, fp, -rd) + anchor_pred(r, rs, x, y, t, -rd)) >> 1;
+                        ASSERT_TRUE(pred.row(y)[x] == p && diff.row(y)[x] == cur.at(x, y) - p &&
+                                    db.row(y)[x] == cur.at(x, y) - b)
+                            << s.w << "x" << s.h << " types " << ft << "/" << type << " r " << rc << " " << i;
+                    }
+                }
+                EXPECT_TRUE(diff.guards_intact() && pred.guards_intact() && db.guards_intact());
             }
         }
-        Kvt32s s4 = -1;
-        Kvt16u q[4], s16[16];
-        ASSERT_EQ(kvtiSAD4x4_8u32s(c, cs, r, rs, &s4), kvtStsOk);
-        ASSERT_EQ(kvtiSAD16x16Blocks8x8_8u16u(c, cs, r, rs, q), kvtStsOk);
-        ASSERT_EQ(kvtiSAD16x16Blocks4x4_8u16u(c, cs, r, rs, s16), kvtStsOk);
-        EXPECT_EQ(s4, anchor(c, cs, r, rs, 0, 4, false));
-        auto sub = [&](int size, int i) {  // sub-blocks in raster order
-            const int y = i / (16 / size) * size, x = i % (16 / size) * size;
-            return anchor(c + y * cs + x, cs, r + y * rs + x, rs, 0, size, false);
-        };
-        for (int k = 0; k < 16; ++k) EXPECT_TRUE(s16[k] == sub(4, k) && (k > 3 || q[k] == sub(8, k))) << k;
 
+        // At the integer position, from d = current - reference: the 4x4 SAD, the SADs of the 8x8
+        // and 4x4 sub-blocks, the 4x4 residual, the 4x4 sub-block sums with and without their tiles
+        // (sub-blocks in raster order, 16 values each), the 8x8 texture error with and without SAD.
+        // Then the current block's own statistics.
+        Kvt32s s4 = -1, te_sad = -1, var[3], mean;
+        Kvt16u sad8[4], sad4[16];
+        int16_t sums16[16], sums8[4], sums16b[16], sums8b[4];
+        Guarded<int16_t> tiles16(256), tiles8(64), te(64), te2(64);
+        Plane<int16_t> d4(4, 4, rc ? -12 : 10);
+        ASSERT_EQ(kvtiSAD4x4_8u32s(c, cs, r, rs, &s4), kvtStsOk);
+        ASSERT_EQ(kvtiSAD16x16Blocks8x8_8u16u(c, cs, r, rs, sad8), kvtStsOk);
+        ASSERT_EQ(kvtiSAD16x16Blocks4x4_8u16u(c, cs, r, rs, sad4), kvtStsOk);
+        ASSERT_EQ(kvtiGetDiff4x4_8u16s_C1(c, cs, r, rs, d4.data(), d4.step()), kvtStsOk);
+        ASSERT_EQ(kvtiSumsDiff16x16Blocks4x4_8u16s_C1(c, cs, r, rs, sums16, tiles16.data()), kvtStsOk);
+        ASSERT_EQ(kvtiSumsDiff16x16Blocks4x4_8u16s_C1(c, cs, r, rs, sums16b, nullptr), kvtStsOk);
+        ASSERT_EQ(kvtiSumsDiff8x8Blocks4x4_8u16s_C1(c, cs, r, rs, sums8, tiles8.data()), kvtStsOk);
+        ASSERT_EQ(kvtiSumsDiff8x8Blocks4x4_8u16s_C1(c, cs, r, rs, sums8b, nullptr), kvtStsOk);
+        uint8_t tp[64];
+        for (int i = 0; i < 64; ++i) tp[i] = ref.at(i % 8, i / 8);
+        ASSERT_EQ(kvtiComputeTextureErrorBlock_SAD_8u16s(c, cs, tp, te.data(), &te_sad), kvtStsOk);
+        ASSERT_EQ(kvtiComputeTextureErrorBlock_8u16s(c, cs, tp, te2.data()), kvtStsOk);
+        ASSERT_EQ(kvtiVariance16x16_8u32s(c, cs, var), kvtStsOk);
+        ASSERT_EQ(kvtiVarMean8x8_8u32s_C1R(c, cs, var + 1, &mean), kvtStsOk);
+        ASSERT_EQ(kvtiMeanAbsDev16x16_8u32s_C1R(c, cs, var + 2), kvtStsOk);
+        int a4[16] = {}, a8[4] = {}, w16[16] = {}, w8[4] = {};
         int64_t s = 0, sq = 0, s8 = 0, q8 = 0, mad = 0;
         for (int i = 0; i < 256; ++i) {
-            const int v = cur.at(i % 16, i / 16), in8 = i % 16 < 8 && i < 128;
-            s += v, sq += v * v, s8 += in8 * v, q8 += in8 * v * v;
+            const int x = i % 16, y = i / 16, d = cur.at(x, y) - ref.at(x, y), k = y / 4 * 4 + x / 4;
+            const int u = cur.at(x, y), tile = y % 4 * 4 + x % 4;
+            ASSERT_EQ(tiles16[size_t(k * 16 + tile)], d) << "16x16 tile " << k << " value " << tile;
+            a4[k] += std::abs(d), a8[y / 8 * 2 + x / 8] += std::abs(d), w16[k] += d, s += u, sq += u * u;
+            if (x >= 8 || y >= 8) continue;
+            ASSERT_EQ(tiles8[size_t((y / 4 * 2 + x / 4) * 16 + tile)], d) << "8x8 tile value " << i;
+            ASSERT_TRUE(te[size_t(y * 8 + x)] == d && te2[size_t(y * 8 + x)] == d) << "texture error " << i;
+            ASSERT_TRUE(x >= 4 || y >= 4 || d4.row(y)[x] == d) << "4x4 residual " << i;
+            w8[y / 4 * 2 + x / 4] += d, s8 += u, q8 += u * u;
         }
         for (int i = 0; i < 256; ++i) mad += std::abs(cur.at(i % 16, i / 16) - (s + 128) / 256);
-        Kvt32s v[3], m;
-        ASSERT_EQ(kvtiVariance16x16_8u32s(c, cs, v), kvtStsOk);
-        ASSERT_EQ(kvtiVarMean8x8_8u32s_C1R(c, cs, v + 1, &m), kvtStsOk);
-        ASSERT_EQ(kvtiMeanAbsDev16x16_8u32s_C1R(c, cs, v + 2), kvtStsOk);
-        EXPECT_TRUE(v[0] == sq - s * s / 256 && v[1] == (q8 - s8 / 8 * (s8 / 8)) / 64 && m == s8 &&
-                    v[2] == mad)
+        EXPECT_TRUE(s4 == a4[0] && te_sad == a8[0] && std::equal(sad8, sad8 + 4, a8) &&
+                    std::equal(sad4, sad4 + 16, a4));
+        EXPECT_TRUE(std::equal(w16, w16 + 16, sums16) && std::equal(w16, w16 + 16, sums16b) &&
+                    std::equal(w8, w8 + 4, sums8) && std::equal(w8, w8 + 4, sums8b));
+        EXPECT_TRUE(tiles16.guards_intact() && tiles8.guards_intact() && te.guards_intact() &&
+                    te2.guards_intact() && d4.guards_intact());
+        EXPECT_TRUE(var[0] == sq - s * s / 256 && var[1] == (q8 - s8 / 8 * (s8 / 8)) / 64 && mean == s8 &&
+                    var[2] == mad)
             << trial;
-        ASSERT_EQ(kvtiVarMean8x8_16s32s_C1R(w.data(), w.step(), v, &m), kvtStsOk);
-        EXPECT_EQ(std::make_pair(v[0], m), anchor_varmean16(w)) << trial;
-        const int t = rng.coin() ? rng.uniform(0, 40) : rng.uniform(0, 255), n = rng.uniform(0, 255);
-        Kvt8u flag = 9;
-        ASSERT_EQ(kvtiEdgesDetect16x16_8u_C1R(c, cs, Kvt8u(t), Kvt8u(n), &flag), kvtStsOk);
-        EXPECT_EQ(flag, anchor_edges(c, cs, t, n)) << "t " << t << " n " << n;
-    }
-}
 
-// Flat 200: VarMean gives the sum itself as mean. A flat -1 16-bit block has m = -8, M = 65 above
-// Q = 64, and the unclamped difference wraps. In VarMeanDiff d = -8 gives mean -1: the 16x16 form
-// subtracts 2, the 16x8 form 1, which with Q = 65 is the difference between variance 0 and 1.
-// Edge detector: a flat block has no flagged position, and with K = 0 the wrap-around test passes
-// for every count threshold but 0. In 0/255 columns every difference clamps to 127 before the
-// signed compare.
-TEST(MetricEdgeCases, NegativeMeansAndEdgeWrapAround) {
-    uint8_t cur[16 * 16], ref[17 * 17];
-    int16_t w[64];
-    std::fill(cur, cur + 64, 200), std::fill(w, w + 64, int16_t(-1));
-    Kvt32s v[4] = {-1}, m[4] = {-1};
-    ASSERT_EQ(kvtiVarMean8x8_8u32s_C1R(cur, 8, v, m), kvtStsOk);
-    EXPECT_TRUE(m[0] == 12800 && v[0] == 0) << m[0] << " " << v[0];
-    ASSERT_EQ(kvtiVarMean8x8_16s32s_C1R(w, 16, v, m), kvtStsOk);
-    EXPECT_TRUE(m[0] == -64 && uint32_t(v[0]) == 0xFFFFFFFFu >> 6) << m[0] << " " << v[0];
-    std::fill(ref, ref + 289, 100), std::fill(cur, cur + 256, 100);
-    cur[0] = 108, cur[1] = 101;  // squares 64 + 1 in the top-left quarter
-    const Kvt32s s[4] = {6400 - 8, 6400 - 8, 6400 - 8, 6400 - 8};
-    ASSERT_EQ(kvtiVarMeanDiff16x16_8u32s_C1R(cur, 16, ref, 17, s, v, m, 0), kvtStsOk);
-    EXPECT_TRUE(m[0] == -1 && v[0] == 0 && v[1] == 0) << v[0];  // (65 - 2) >> 6; Q = 0 is not above M
-    ASSERT_EQ(kvtiVarMeanDiff16x8_8u32s_C1R(cur, 16, ref, 17, s, v, m, 0), kvtStsOk);
-    EXPECT_TRUE(m[0] == -1 && v[0] == 1) << v[0];  // (65 - 1) >> 6
-    const uint8_t* flat = ref;                     // flat 100
-    uint8_t alt[16 * 16];
-    for (int i = 0; i < 256; ++i) alt[i] = (i & 1) ? 255 : 0;
-    const struct {
-        const uint8_t* b;
-        int t, n, flag;
-    } cases[] = {
-        // clang-format off
-        {flat, 0, 1, 1}, {flat, 0, 255, 1}, {flat, 0, 0, 0}, {flat, 255, 0, 0},
-        {flat, 200, 20, 1},                        // T >= 128 flags all: K = 30 > 20 after row 1
-        {flat, 128, 225, 0}, {flat, 128, 224, 1},  // K stops at 15 * 15 = 225
-        {alt, 126, 224, 1}, {alt, 127, 1, 1}, {alt, 127, 0, 0},  // 225 flagged above 126, none above 127
-        // clang-format on
-    };
-    for (const auto& c : cases) {
-        Kvt8u flag = 9;
-        ASSERT_EQ(kvtiEdgesDetect16x16_8u_C1R(c.b, 16, Kvt8u(c.t), Kvt8u(c.n), &flag), kvtStsOk);
-        EXPECT_EQ(flag, c.flag) << (c.b == flat ? "flat" : "alternating") << " t " << c.t << " n " << c.n;
+        // 16-bit VarMean: column sums saturate in row order, squares wrap modulo 2^32.
+        int64_t ws = 0;
+        uint32_t wq = 0;
+        for (int x = 0; x < 8; ++x) {
+            int col = 0;
+            for (int y = 0; y < 8; ++y)
+                col = std::clamp(col + w.at(x, y), -32768, 32767), wq += uint32_t(w.at(x, y) * w.at(x, y));
+            ws += col;
+        }
+        const int64_t wm = ws / 8;
+        ASSERT_EQ(kvtiVarMean8x8_16s32s_C1R(w.data(), w.step(), var, &mean), kvtStsOk);
+        EXPECT_TRUE(mean == ws && var[0] == int32_t(uint32_t(wq - uint32_t(wm * wm + (wm < 0))) >> 6))
+            << trial;
+
+        // Edge detector: differences clamp to 127 and compare signed with the threshold (128 and
+        // above flag every position); the count test is taken modulo 256. The fixed thresholds
+        // catch the clamp, the sign, the 225-position ceiling and the wrap of a zero count.
+        for (int et : {rng.uniform(0, 40), rng.uniform(0, 255), 126, 127, 128})
+            for (int en : {rng.uniform(0, 255), 0, 1, 224, 225}) {
+                const int st = int8_t(et);  // the threshold compares signed
+                int k = 0, want = 0;
+                for (int i = 0; i < 15 * 15 && !want; ++i) {  // the count test after each row
+                    const uint8_t* p = c + intptr_t(i / 15) * cs + i % 15;
+                    k += std::min(std::abs(p[0] - p[1]), 127) > st ||
+                         std::min(std::abs(p[0] - p[cs]), 127) > st;
+                    want = i % 15 == 14 && (256 - k % 256) % 256 < (256 - en) % 256;
+                }
+                Kvt8u flag = 9;
+                ASSERT_EQ(kvtiEdgesDetect16x16_8u_C1R(c, cs, Kvt8u(et), Kvt8u(en), &flag), kvtStsOk);
+                EXPECT_EQ(flag, want) << "t " << et << " n " << en << " trial " << trial;
+            }
     }
 }
