@@ -196,10 +196,8 @@ Kvt16u* const o2u = reinterpret_cast<Kvt16u*>(o);
 
 }  // namespace
 
-// One status case: a call with `n` checked pointers written as P(i, p), so that the k-th is null.
-// clang-format off
-#define KVT_CASE(n, call, ...) {[](const Size& s, int k) { return (void)s, call; }, n, __VA_ARGS__}
-// clang-format on
+// One status case: a call whose checked pointers are written as P(i, p), so that the k-th is null.
+#define KVT_CALL(call) [](const Size& s, int k) { return (void)s, call; }
 #define P(i, p) (k == (i) ? nullptr : (p))
 
 // Each pointer a function checks, null in turn, gives its status and writes nothing (unchecked
@@ -207,32 +205,34 @@ Kvt16u* const o2u = reinterpret_cast<Kvt16u*>(o);
 TEST(MeStatus, NullPointersWriteNothing) {
     std::fill(o, o + sizeof o, 0xA5);
     const struct {
-        KvtStatus (*call)(const Size& s, int k);
         int pointers;
+        KvtStatus (*call)(const Size& s, int k);
         KvtStatus want = kvtStsNullPointer;
     } cases[] = {
-        KVT_CASE(2, kvtiSAD16x16_8u32s(P(0, b), 16, P(1, b), 17, o4, 0)),
-        KVT_CASE(2, kvtiSAD8x8_8u32s_C1R(P(0, b), 16, P(1, b), 17, o4, 12)),
-        KVT_CASE(3, kvtiSAD4x4_8u32s(P(0, b), 16, P(1, b), 17, P(2, o4))),
-        KVT_CASE(3, kvtiSAD16x16Blocks8x8_8u16u(P(0, b), 16, P(1, b), 17, P(2, o2u))),
-        KVT_CASE(3, kvtiSAD16x16Blocks4x4_8u16u(P(0, b), 16, P(1, b), 17, P(2, o2u))),
-        KVT_CASE(3, kvtiSqrDiff16x16_8u32s(P(0, b), 16, P(1, b), 17, 0, P(2, o4))),
-        KVT_CASE(4, kvtiSqrDiff16x16B_8u32s(P(0, b), 16, P(1, b), 17, 0, P(2, b), 17, 0, P(3, o4))),
-        KVT_CASE(2, kvtiVariance16x16_8u32s(P(0, b), 16, P(1, o4))),
-        KVT_CASE(3, kvtiVarMean8x8_8u32s_C1R(P(0, b), 16, P(1, o4), P(2, o4))),
-        KVT_CASE(3, kvtiVarMean8x8_16s32s_C1R(P(0, o2), 16, P(1, o4), P(2, o4))),
-        KVT_CASE(1, kvtiMeanAbsDev16x16_8u32s_C1R(P(0, b), 16, o4)),
-        KVT_CASE(2, kvtiEdgesDetect16x16_8u_C1R(P(0, b), 16, 1, 1, P(1, o))),
-        KVT_CASE(5, kvtiVarMeanDiff16x16_8u32s_C1R(P(0, b), 8, P(1, b), 17, P(2, o4), P(3, o4), P(4, o4), 3)),
-        KVT_CASE(5, kvtiVarMeanDiff16x8_8u32s_C1R(P(0, b), 16, P(1, b), 17, P(2, o4), P(3, o4), P(4, o4), 3)),
-        KVT_CASE(3, s.fn(P(0, b), 16, P(1, b), 17, P(2, o2), 32, o2, 32, 12, 1)),
-        KVT_CASE(4, s.fn_b(P(0, b), 16, P(1, b), 17, 0, P(2, b), 17, 0, P(3, o2), 32, 0)),
-        KVT_CASE(3, kvtiGetDiff4x4_8u16s_C1(P(0, b), 4, P(1, b), 4, P(2, o2), 8)),
-        KVT_CASE(3, kvtiSumsDiff16x16Blocks4x4_8u16s_C1(P(0, b), 16, P(1, b), 16, P(2, o2), o2)),
-        KVT_CASE(3, kvtiSumsDiff8x8Blocks4x4_8u16s_C1(P(0, b), 8, P(1, b), 8, P(2, o2), o2)),
-        KVT_CASE(4, kvtiComputeTextureErrorBlock_SAD_8u16s(P(0, b), 8, P(1, b), P(2, o2), P(3, o4)),
-                 kvtStsBadArgument),
-        KVT_CASE(3, kvtiComputeTextureErrorBlock_8u16s(P(0, b), 8, P(1, b), P(2, o2)), kvtStsBadArgument),
+        {2, KVT_CALL(kvtiSAD16x16_8u32s(P(0, b), 16, P(1, b), 17, o4, 0))},
+        {2, KVT_CALL(kvtiSAD8x8_8u32s_C1R(P(0, b), 16, P(1, b), 17, o4, 12))},
+        {3, KVT_CALL(kvtiSAD4x4_8u32s(P(0, b), 16, P(1, b), 17, P(2, o4)))},
+        {3, KVT_CALL(kvtiSAD16x16Blocks8x8_8u16u(P(0, b), 16, P(1, b), 17, P(2, o2u)))},
+        {3, KVT_CALL(kvtiSAD16x16Blocks4x4_8u16u(P(0, b), 16, P(1, b), 17, P(2, o2u)))},
+        {3, KVT_CALL(kvtiSqrDiff16x16_8u32s(P(0, b), 16, P(1, b), 17, 0, P(2, o4)))},
+        {4, KVT_CALL(kvtiSqrDiff16x16B_8u32s(P(0, b), 16, P(1, b), 17, 0, P(2, b), 17, 0, P(3, o4)))},
+        {2, KVT_CALL(kvtiVariance16x16_8u32s(P(0, b), 16, P(1, o4)))},
+        {3, KVT_CALL(kvtiVarMean8x8_8u32s_C1R(P(0, b), 16, P(1, o4), P(2, o4)))},
+        {3, KVT_CALL(kvtiVarMean8x8_16s32s_C1R(P(0, o2), 16, P(1, o4), P(2, o4)))},
+        {1, KVT_CALL(kvtiMeanAbsDev16x16_8u32s_C1R(P(0, b), 16, o4))},
+        {2, KVT_CALL(kvtiEdgesDetect16x16_8u_C1R(P(0, b), 16, 1, 1, P(1, o)))},
+        {5,
+         KVT_CALL(kvtiVarMeanDiff16x16_8u32s_C1R(P(0, b), 8, P(1, b), 17, P(2, o4), P(3, o4), P(4, o4), 3))},
+        {5,
+         KVT_CALL(kvtiVarMeanDiff16x8_8u32s_C1R(P(0, b), 16, P(1, b), 17, P(2, o4), P(3, o4), P(4, o4), 3))},
+        {3, KVT_CALL(s.fn(P(0, b), 16, P(1, b), 17, P(2, o2), 32, o2, 32, 12, 1))},
+        {4, KVT_CALL(s.fn_b(P(0, b), 16, P(1, b), 17, 0, P(2, b), 17, 0, P(3, o2), 32, 0))},
+        {3, KVT_CALL(kvtiGetDiff4x4_8u16s_C1(P(0, b), 4, P(1, b), 4, P(2, o2), 8))},
+        {3, KVT_CALL(kvtiSumsDiff16x16Blocks4x4_8u16s_C1(P(0, b), 16, P(1, b), 16, P(2, o2), o2))},
+        {3, KVT_CALL(kvtiSumsDiff8x8Blocks4x4_8u16s_C1(P(0, b), 8, P(1, b), 8, P(2, o2), o2))},
+        {4, KVT_CALL(kvtiComputeTextureErrorBlock_SAD_8u16s(P(0, b), 8, P(1, b), P(2, o2), P(3, o4))),
+         kvtStsBadArgument},
+        {3, KVT_CALL(kvtiComputeTextureErrorBlock_8u16s(P(0, b), 8, P(1, b), P(2, o2))), kvtStsBadArgument},
     };
     for (size_t i = 0; i < std::size(cases); ++i)
         for (const Size& s : kSizes)
@@ -244,7 +244,7 @@ TEST(MeStatus, NullPointersWriteNothing) {
     EXPECT_EQ(kvtiGetDiff8x8_8u16s_C1(b, 8, b, 8, o2 + 256, 16, nullptr, 0, 12, 0), kvtStsOk);
 }
 #undef P
-#undef KVT_CASE
+#undef KVT_CALL
 
 // Every kernel in every phase reads its blocks plus exactly the column and row the half steps
 // need: each block is placed so that the last byte it may read is the last before an
