@@ -1,5 +1,5 @@
-// The exported mask tables and the VLC tables: the built block word by word on small hand-made
-// descriptions and the cursor moves of misses; tables from the shared code tables (MPEG-2
+// The exported mask tables, the byte-cursor writer and the VLC tables: the built block word by word on small
+// hand-made descriptions and the cursor moves of misses; tables from the shared code tables (MPEG-2
 // B.14/B.15, MPEG-4 TCOEF) at several level splits with every code at every bit offset, which also
 // drives the word cursor (its only user) across word ends both ways; argument checks; the word
 // fill against its SIMD twin.
@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "bitstream/byte_cursor.h"
 #include "bitstream/vlc_kernels.h"
 #include "bitstream/word_cursor.h"
 #include "checkasm.h"
@@ -31,7 +32,10 @@ struct Table {
 };
 
 // field = level * 256 + run; MPEG-4 "last" is folded into the run as + 64.
-struct Symbol { std::string bits; int32_t field; };
+struct Symbol {
+    std::string bits;
+    int32_t field;
+};
 
 // The rows as symbols, with a sign bit appended when `sign` ("1" negates the level). ESC and EOB
 // carry no sign and get runs no event uses.
@@ -39,10 +43,14 @@ std::vector<Symbol> load_symbols(const std::string& file, bool sign) {
     std::vector<Symbol> out;
     for (const TsvRow& r : read_table(file)) {
         const bool event = r["run"] != "ESC" && r["run"] != "EOB";
-        const int32_t level = event ? r.num("level") : 0, field = !event ? (r["run"] == "ESC" ? 200 : 201)
-            : level * 256 + r.num("run") + (r.cells.count("last") ? 64 * r.num("last") : 0);
-        if (!sign || !event) out.push_back({r["code"], field});
-        else out.insert(out.end(), {{r["code"] + "0", field}, {r["code"] + "1", field - 512 * level}});
+        const int32_t level = event ? r.num("level") : 0,
+                      field = !event ? (r["run"] == "ESC" ? 200 : 201)
+                                     : level * 256 + r.num("run") +
+                                           (r.cells.count("last") ? 64 * r.num("last") : 0);
+        if (!sign || !event)
+            out.push_back({r["code"], field});
+        else
+            out.insert(out.end(), {{r["code"] + "0", field}, {r["code"] + "1", field - 512 * level}});
     }
     return out;
 }
@@ -70,7 +78,8 @@ std::vector<int32_t> as_run_level(const std::vector<int32_t>& d) {
     size_t p = out.size();
     for (; d[p] >= 0; ++p) {
         out.push_back(d[p]);
-        for (int32_t i = 0, n = d[p]; i < n; ++i, p += 2) out.insert(out.end(), {d[p + 1], d[p + 2] & 0xFF, d[p + 2] >> 8});
+        for (int32_t i = 0, n = d[p]; i < n; ++i, p += 2)
+            out.insert(out.end(), {d[p + 1], d[p + 2] & 0xFF, d[p + 2] >> 8});
     }
     out.push_back(d[p]);
     return out;
@@ -107,20 +116,56 @@ int32_t pointer(int32_t header) { return (header << 8) | 0x80; }
 void expect_layout(const std::vector<int32_t>& desc, bool rl, const Layout& want, const Layout& over = {}) {
     const Table t(desc, rl);
     for (int i = 0; i < (rl ? 262144 : 16384); ++i)
-        ASSERT_EQ(t.t[i], over.count(i) ? over.at(i) : want.count(i) ? want.at(i) : 0x00F0F101) << rl << " word " << i;
+        ASSERT_EQ(t.t[i], over.count(i)   ? over.at(i)
+                          : want.count(i) ? want.at(i)
+                                          : 0x00F0F101)
+            << rl << " word " << i;
 }
 
 }  // namespace
 
 TEST(BitMasks, HoldTheLowBitMasks) {
     for (int i = 0; i <= 32; ++i)
-        EXPECT_TRUE(_kvtGetBitsMask[i] == uint32_t((uint64_t(1) << i) - 1) && ownvBitMask[i] == _kvtGetBitsMask[i]) << i;
+        EXPECT_TRUE(_kvtGetBitsMask[i] == uint32_t((uint64_t(1) << i) - 1) &&
+                    ownvBitMask[i] == _kvtGetBitsMask[i])
+            << i;
+}
+
+// The writer every encoder stores through: eight random writes of 1..32 bits from a random offset
+// against a bit model. Bits before the cursor keep their values, the byte holding the end is
+// cleared after it, later bytes are untouched, and the cursor moves by n.
+TEST(ByteCursor, PutBitsMatchesTheBitModel) {
+    const auto bit_at = [](const std::vector<uint8_t>& s, size_t i) { return s[i / 8] >> (7 - i % 8) & 1; };
+    Rng rng(1);
+    for (int trial = 0; trial < 200; ++trial) {
+        std::vector<uint8_t> s(48);
+        rng.fill(s.data(), s.size(), 0, 255);
+        uint8_t* p = s.data();
+        int o = rng.uniform(0, 7);
+        for (size_t w = 0, pos = size_t(o); w < 8; ++w) {
+            const std::vector<uint8_t> before = s;
+            const uint32_t value = rng.next(), n = uint32_t(rng.uniform(1, 32));
+            const size_t end = pos + n;
+            PutBits(&p, &o, int(value), int(n));
+            for (size_t i = 0; i < s.size() * 8; ++i) {
+                const int want = i < pos || i >= (end + 7) / 8 * 8 ? bit_at(before, i)
+                                 : i < end                         ? int(value >> (end - 1 - i)) & 1
+                                                                   : 0;
+                ASSERT_EQ(bit_at(s, i), want) << "trial " << trial << " write " << w << " bit " << i;
+            }
+            ASSERT_EQ(size_t(p - s.data()) * 8 + size_t(o), pos = end);
+        }
+    }
 }
 
 // A miss (field 61681) moves the cursor past the bits read: the root's, also across a word end,
 // or the root's and the sub-table's where the walk stops.
 TEST(VlcDecode, MissesMoveTheCursorPastTheBitsRead) {
-    const struct { std::vector<int32_t> desc; Kvt32u w0; long start, end; } cases[] = {
+    const struct {
+        std::vector<int32_t> desc;
+        Kvt32u w0;
+        long start, end;
+    } cases[] = {
         {{0, 1, 4, -1}, ~0u, 0, 4},
         {{0, 1, 4, -1}, ~0u, 31, 35},
         {{0, 2, 2, 3, 0, 0, 0, 0, 1, 7, 9, -1}, 0x07FFFFFFu, 0, 5},
@@ -159,9 +204,11 @@ TEST(VlcDecode, RealTablesEveryCodeAtEveryOffset) {
                 for (long start = 0, len = long(s.bits.size()); start < 32; ++start) {
                     std::vector<Kvt32u> w = pack(s.bits, size_t(start), rng);
                     long pos = start;
-                    ASSERT_EQ(decode(t, w, pos), (len <= total ? Hit(kvtStsOk, s.field) : Hit(kvtStsBadVlcCode, 61681)))
+                    ASSERT_EQ(decode(t, w, pos),
+                              (len <= total ? Hit(kvtStsOk, s.field) : Hit(kvtStsBadVlcCode, 61681)))
                         << s.bits << " from bit " << start;
-                    ASSERT_TRUE(len > total || pos == start + len) << s.bits << " from bit " << start << " to " << pos;
+                    ASSERT_TRUE(len > total || pos == start + len)
+                        << s.bits << " from bit " << start << " to " << pos;
                 }
         }
     // B.15 signed and both TCOEF tables (signed or not) at 8+4 need 16 or more sub-tables.
@@ -177,21 +224,33 @@ TEST(VlcLayout, HandMadeDescriptions) {
     Layout plain512{{0, 8}};
     for (int k = 0; k < 16; ++k) {
         at512.insert(at512.end(), {k << 4, 100 + k});
-        plain512.insert({{1 + k, pointer(257 + 17 * k)}, {257 + 17 * k, 4}, {258 + 17 * k, leaf(100 + k, 0)}});
+        plain512.insert(
+            {{1 + k, pointer(257 + 17 * k)}, {257 + 17 * k, 4}, {258 + 17 * k, leaf(100 + k, 0)}});
     }
     at512.insert(at512.end(), {(15 << 4) | 1, 99, -1});
     plain512[2] = leaf(99, 0);
-    const struct { const char* what; std::vector<int32_t> desc; Layout want, run_level; } cases[] = {
+    const struct {
+        const char* what;
+        std::vector<int32_t> desc;
+        Layout want, run_level;
+    } cases[] = {
         {"empty groups, any negative end", {0, 2, 3, 5, 0, 0, -7}, {{0, 3}}, {}},
         // Widths 1+2: the code under prefix 1 comes first, so its sub-table is placed first.
-        {"sub-tables in order of first need", {0, 2, 1, 2, 0, 0, 2, 7, 70, 0, 90, -1},
-         {{0, 1}, {1, pointer(8)}, {2, pointer(3)}, {3, 2}, {7, leaf(70, 0)}, {8, 2}, {9, leaf(90, 0)}}, {}},
+        {"sub-tables in order of first need",
+         {0, 2, 1, 2, 0, 0, 2, 7, 70, 0, 90, -1},
+         {{0, 1}, {1, pointer(8)}, {2, pointer(3)}, {3, 2}, {7, leaf(70, 0)}, {8, 2}, {9, leaf(90, 0)}},
+         {}},
         // 1011 meets the leaf of code 1 at the root and is written at root index 3 (its
         // second-level bits), over code 1's copy there.
-        {"leaf keeps the walk in its table", {0, 2, 2, 2, 2, 1, 1, 1, 3, 0, 0, 1, 11, 2, -1},
-         {{0, 2}, {3, leaf(3, 1)}, {4, leaf(2, 0)}}, {}},
+        {"leaf keeps the walk in its table",
+         {0, 2, 2, 2, 2, 1, 1, 1, 3, 0, 0, 1, 11, 2, -1},
+         {{0, 2}, {3, leaf(3, 1)}, {4, leaf(2, 0)}},
+         {}},
         // The 5-bit code creates nothing, not even its first-level sub-table.
-        {"too long ignored", {0, 2, 2, 2, 1, 1, 6, 0, 0, 0, 1, 0, 9, -1}, {{0, 2}, {3, leaf(6, 1)}, {4, leaf(6, 1)}}, {}},
+        {"too long ignored",
+         {0, 2, 2, 2, 1, 1, 6, 0, 0, 0, 1, 0, 9, -1},
+         {{0, 2}, {3, leaf(6, 1)}, {4, leaf(6, 1)}},
+         {}},
         {"no levels: word 0 still set, records ignored", {0, 0, 1, 1, 5, -1}, {{0, 1}}, {}},
         {"header at 512", at512, plain512, {{2, pointer(274)}, {514, leaf(99, 0)}}},
     };
@@ -215,15 +274,18 @@ TEST(VlcStatus, ArgumentChecks) {
     Kvt32s out = 123;
     const Table table(desc, true);
     EXPECT_EQ(reinterpret_cast<uintptr_t>(table.t) % 32, 0u);
-    for (KvtStatus st : {kvtiVCHuffmanInitAlloc_32s(nullptr, &t), kvtiVCHuffmanInitAllocRL_32s(nullptr, &t),
-                         kvtiVCHuffmanInitAlloc_32s(desc.data(), nullptr), kvtiVCHuffmanInitAllocRL_32s(desc.data(), nullptr),
-                         kvtiVCHuffmanDecodeOne_1u32s(nullptr, &offset, &out, table.t),
-                         kvtiVCHuffmanDecodeOne_1u32s(&p, &offset, &out, nullptr),
-                         kvtiVCHuffmanDecodeOne_1u32s(nullptr, nullptr, nullptr, nullptr), kvtiVCHuffmanFree_32s(nullptr)})
+    for (KvtStatus st :
+         {kvtiVCHuffmanInitAlloc_32s(nullptr, &t), kvtiVCHuffmanInitAllocRL_32s(nullptr, &t),
+          kvtiVCHuffmanInitAlloc_32s(desc.data(), nullptr),
+          kvtiVCHuffmanInitAllocRL_32s(desc.data(), nullptr),
+          kvtiVCHuffmanDecodeOne_1u32s(nullptr, &offset, &out, table.t),
+          kvtiVCHuffmanDecodeOne_1u32s(&p, &offset, &out, nullptr),
+          kvtiVCHuffmanDecodeOne_1u32s(nullptr, nullptr, nullptr, nullptr), kvtiVCHuffmanFree_32s(nullptr)})
         EXPECT_EQ(st, kvtStsNullPointer) << "call " << call++;
     EXPECT_TRUE(t == sentinel && p == stream && offset == 7 && out == 123);
     ASSERT_EQ(kvtiVCHuffmanInitAlloc_32s(desc.data(), &t), kvtStsOk);
-    EXPECT_TRUE(kvtiVCHuffmanFree_32s(&t) == kvtStsOk && t == nullptr && kvtiVCHuffmanFree_32s(&t) == kvtStsOk);
+    EXPECT_TRUE(kvtiVCHuffmanFree_32s(&t) == kvtStsOk && t == nullptr &&
+                kvtiVCHuffmanFree_32s(&t) == kvtStsOk);
 }
 
 TEST(VlcKernels, WordFillMatchesReference) {

@@ -1,9 +1,10 @@
-// Aligned allocation.
+// Aligned allocation and the version record.
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include "kvtvc.h"
 
@@ -23,4 +24,13 @@ TEST(Malloc, AlignedWritableAndReleased) {
     }
     for (int len : {0, -1, INT_MIN}) EXPECT_EQ(kvtsMalloc_8u(len), nullptr) << len;
     kvtsFree(nullptr);
+}
+
+// The release this interface reproduces; the same record on every call.
+TEST(Version, RecordHoldsTheReleaseValues) {
+    const KvtLibraryVersion* v = kvtvcGetLibVersion();
+    ASSERT_TRUE(v != nullptr && v == kvtvcGetLibVersion());
+    EXPECT_TRUE(v->major == 4 && v->minor == 1 && v->majorBuild == 10 && v->build == 38);
+    EXPECT_EQ(std::string(v->targetCpu, 4) + v->name + " " + v->version + " " + v->buildDate,
+              std::string("w7\0\0", 4) + "libkvtvcw7.so v4.1 Jul 23 2004");
 }
