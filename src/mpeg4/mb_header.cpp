@@ -18,8 +18,7 @@ KvtStatus kvtiDecodeMCBPCInter_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u*
 
 KvtStatus kvtiDecodeMODB_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst) {
     if (null_cursor(ppBitStream, pBitOffset) || !pDst) return kvtStsNullPointer;
-    decode_modb_h263_ref(ppBitStream, pBitOffset, pDst);
-    return kvtStsOk;
+    return decode_modb_h263_ref(ppBitStream, pBitOffset, pDst);
 }
 
 KvtStatus kvtiDecodeCBPY_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst) {
@@ -29,6 +28,5 @@ KvtStatus kvtiDecodeCBPY_H263(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst)
 
 KvtStatus kvtiUpdateQuant_MQ_H263_1u32s_I(Kvt8u** ppBitStream, int* pBitOffset, Kvt32u* pQuant) {
     if (null_cursor(ppBitStream, pBitOffset) || !pQuant) return kvtStsNullPointer;
-    update_quant_mq_h263_ref(ppBitStream, pBitOffset, pQuant);
-    return kvtStsOk;
+    return update_quant_mq_h263_ref(ppBitStream, pBitOffset, pQuant);
 }

@@ -9,8 +9,8 @@ namespace kvt {
 
 int decode_mcbpc_intra_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst);
 int decode_mcbpc_inter_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst);
-void decode_modb_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst);
+int decode_modb_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst);
 int decode_cbpy_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst);
-void update_quant_mq_h263_ref(uint8_t** pp, int* pOffset, uint32_t* quant);
+int update_quant_mq_h263_ref(uint8_t** pp, int* pOffset, uint32_t* quant);
 
 }  // namespace kvt

@@ -92,11 +92,12 @@ int decode_mcbpc_inter_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
 }
 
 // 0 (one bit), 10 or 11 (two bits, taken as they stand).
-void decode_modb_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
+int decode_modb_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
     const ByteCursor c{*pp, *pOffset};
     const uint32_t v = c.show16(2);
     const uint32_t two = v >> 1;
     accept(c, int(1 + two), pp, pOffset, dst, int(v & (0u - two)));
+    return kvtStsOk;
 }
 
 int decode_cbpy_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
@@ -105,7 +106,7 @@ int decode_cbpy_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
 
 // A prior quantizer outside 1..31 is not the caller's to give; it picks row (quant mod 32) so
 // that the read stays inside the table.
-void update_quant_mq_h263_ref(uint8_t** pp, int* pOffset, uint32_t* quant) {
+int update_quant_mq_h263_ref(uint8_t** pp, int* pOffset, uint32_t* quant) {
     ByteCursor c{*pp, *pOffset};
     const uint32_t v = c.show16(6);
     if (v & 32) {
@@ -116,6 +117,7 @@ void update_quant_mq_h263_ref(uint8_t** pp, int* pOffset, uint32_t* quant) {
         c.skip(6);
     }
     c.store(pp, pOffset);
+    return kvtStsOk;
 }
 
 }  // namespace kvt

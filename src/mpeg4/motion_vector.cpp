@@ -88,14 +88,13 @@ KvtStatus kvtiDecodeMV_BVOP_DirectSkip_MPEG4(const KvtMotionVec* pSrcMVColocated
                                              int TRD) {
     if (const KvtStatus st = check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
         return st;
-    direct_mv_mpeg4_ref(pSrcMVColocated, pDstMVForward, pDstMVBackward, *pColocatedFlag != 0, TRB, TRD, 0, 0);
-    return kvtStsOk;
+    return direct_mv_mpeg4_ref(pSrcMVColocated, pDstMVForward, pDstMVBackward, *pColocatedFlag != 0, TRB, TRD,
+                               0, 0);
 }
 
 KvtStatus kvtiPadMV_MPEG4(KvtMotionVec* pSrcDstMV, const Kvt8u* pBlockPresent) {
     if (!pSrcDstMV || !pBlockPresent) return kvtStsNullPointer;
-    pad_mv_mpeg4_ref(pSrcDstMV, pBlockPresent);
-    return kvtStsOk;
+    return pad_mv_mpeg4_ref(pSrcDstMV, pBlockPresent);
 }
 
 KvtStatus kvtiComputeChromaMV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV) {

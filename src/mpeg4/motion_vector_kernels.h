@@ -25,11 +25,11 @@ int decode_mv_mpeg4_ref(uint8_t** pp, int* pOffset, KvtMotionVec* mv, int fcode)
 int decode_pad_mv_pvop_mpeg4_ref(uint8_t** pp, int* pOffset, const MvNeighbours& nb, KvtMotionVec* cur,
                                  const uint8_t* present, int fcode, int mb_type);
 // Direct mode with difference (dx, dy) applied to every block.
-void direct_mv_mpeg4_ref(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMotionVec* bwd, bool scaled,
-                         int trb, int trd, int dx, int dy);
+int direct_mv_mpeg4_ref(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMotionVec* bwd, bool scaled,
+                        int trb, int trd, int dx, int dy);
 int decode_direct_mv_mpeg4_ref(uint8_t** pp, int* pOffset, const KvtMotionVec* colocated, KvtMotionVec* fwd,
                                KvtMotionVec* bwd, bool scaled, int trb, int trd);
-void pad_mv_mpeg4_ref(KvtMotionVec* set, const uint8_t* present);
+int pad_mv_mpeg4_ref(KvtMotionVec* set, const uint8_t* present);
 KvtMotionVec chroma_mv_mpeg4_ref(KvtMotionVec luma);
 KvtMotionVec chroma4_mv_mpeg4_ref(const KvtMotionVec* set, const uint8_t* present);
 KvtMotionVec limit_mv_to_rect_ref(KvtMotionVec mv, const KvtRegionRect& rect, uint32_t x, uint32_t y, int size);

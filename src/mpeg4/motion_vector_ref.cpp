@@ -124,8 +124,8 @@ int decode_pad_mv_pvop_mpeg4_ref(uint8_t** pp, int* pOffset, const MvNeighbours&
     return kvtStsOk;
 }
 
-void direct_mv_mpeg4_ref(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMotionVec* bwd, bool scaled,
-                         int trb, int trd, int dx, int dy) {
+int direct_mv_mpeg4_ref(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMotionVec* bwd, bool scaled,
+                        int trb, int trd, int dx, int dy) {
     for (int b = 0; b < 4; ++b) {
         if (!scaled) {
             fwd[b] = bwd[b] = KvtMotionVec{int16_t(dx), int16_t(dy)};
@@ -135,6 +135,7 @@ void direct_mv_mpeg4_ref(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMo
         direct_component(m.dx, dx, trb, trd, &fwd[b].dx, &bwd[b].dx);
         direct_component(m.dy, dy, trb, trd, &fwd[b].dy, &bwd[b].dy);
     }
+    return kvtStsOk;
 }
 
 int decode_direct_mv_mpeg4_ref(uint8_t** pp, int* pOffset, const KvtMotionVec* colocated, KvtMotionVec* fwd,
@@ -143,19 +144,19 @@ int decode_direct_mv_mpeg4_ref(uint8_t** pp, int* pOffset, const KvtMotionVec* c
     int dx, dy;
     if (!read_mvd_component(c, 0, &dx) || !read_mvd_component(c, 0, &dy)) return kvtStsBadMvCode;
     c.store(pp, pOffset);
-    direct_mv_mpeg4_ref(colocated, fwd, bwd, scaled, trb, trd, dx, dy);
-    return kvtStsOk;
+    return direct_mv_mpeg4_ref(colocated, fwd, bwd, scaled, trb, trd, dx, dy);
 }
 
 // Each absent block takes a present neighbour, in the order 0..3, so later blocks see the
 // vectors already replaced (the last choice is taken whether present or not).
-void pad_mv_mpeg4_ref(KvtMotionVec* set, const uint8_t* present) {
+int pad_mv_mpeg4_ref(KvtMotionVec* set, const uint8_t* present) {
     static constexpr uint8_t kOrder[4][3] = {{1, 2, 3}, {0, 3, 2}, {3, 0, 1}, {2, 1, 0}};
     for (int b = 0; b < 4; ++b) {
         if (present[b]) continue;
         const uint8_t* o = kOrder[b];
         set[b] = set[present[o[0]] ? o[0] : present[o[1]] ? o[1] : o[2]];
     }
+    return kvtStsOk;
 }
 
 KvtMotionVec chroma_mv_mpeg4_ref(KvtMotionVec luma) {
