@@ -114,15 +114,19 @@ void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
     }
 }
 
-KvtStatus set_bytes(uint8_t* dst, size_t n, uint8_t val) {
+// Every byte fill: 256-bit stores for the mid sizes where the processor has them, else
+// fill_bytes; `stream` when the whole job is large enough to bypass the cache.
+KvtStatus set_bytes(uint8_t* dst, size_t n, uint8_t val, bool stream) {
     if (use_wide_stores(n)) return fill_mid_avx2(dst, n, uint16_t(val * 0x0101u));
-    fill_bytes(dst, n, val, int64_t(n) > kStreamSetBytes);
+    fill_bytes(dst, n, val, stream);
     return kvtStsOk;
 }
 
 }  // namespace
 
-KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) { return set_bytes(dst, size_t(len), val); }
+KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) {
+    return set_bytes(dst, size_t(len), val, len > kStreamSetBytes);
+}
 
 KvtStatus set_16s_sse2(int16_t val, int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
@@ -133,9 +137,7 @@ KvtStatus set_16s_sse2(int16_t val, int16_t* dst, int len) {
 
 KvtStatus zero_16s_sse2(int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
-    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, 0);
-    fill_bytes(reinterpret_cast<uint8_t*>(dst), n, 0, int64_t(n) > kStreamZeroBytes);
-    return kvtStsOk;
+    return set_bytes(reinterpret_cast<uint8_t*>(dst), n, 0, int64_t(n) > kStreamZeroBytes);
 }
 
 KvtStatus copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
@@ -153,15 +155,15 @@ KvtStatus copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
 
 // Contiguous rows are one fill; rows of a block (64 bytes or less) share one pattern register.
 KvtStatus set_8u_c1r_sse2(uint8_t val, uint8_t* dst, int step, int width, int height) {
-    if (step == width) return set_bytes(dst, size_t(width) * size_t(height), val);
     const size_t w = size_t(width);
+    const bool stream = int64_t(width) * height > kStreamSetBytes;
+    if (step == width) return set_bytes(dst, w * size_t(height), val, stream);
     if (w <= 64) {
         const __m128i pattern = _mm_set1_epi8(char(val));
         for (int y = 0; y < height; ++y, dst += step) fill_short(dst, w, pattern);
         return kvtStsOk;
     }
-    const bool stream = int64_t(width) * height > kStreamSetBytes;
-    for (int y = 0; y < height; ++y, dst += step) fill_bytes(dst, w, val, stream);
+    for (int y = 0; y < height; ++y, dst += step) set_bytes(dst, w, val, stream);
     return kvtStsOk;
 }
 
