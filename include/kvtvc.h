@@ -358,6 +358,26 @@ KVTAPI KvtStatus kvtiMeanAbsDev16x16_8u32s_C1R(const Kvt8u* pSrc, int srcStep, K
 KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt8u diffThreshold,
                                              Kvt8u countThreshold, Kvt8u* pRes);
 
+/* ---- 8x8 DCT family (MPEG-1/2, H.263, MPEG-4). IEEE Std 1180 accuracy. ---- */
+
+/* (end of section) */
+
+/* ---- MPEG-4 and H.263 coefficient decoding, AC/DC prediction and inverse quantization. ---- */
+
+/* (end of section) */
+
+/* ---- Block motion compensation, prediction and reconstruction (MPEG-1/2, H.263, MPEG-4). ---- */
+
+/* (end of section) */
+
+/* ---- H.264 intra prediction, transform and quantization. ---- */
+
+/* (end of section) */
+
+/* ---- H.264 interpolation, weighted averaging, CAVLC syntax elements and the deblocking filter. ---- */
+
+/* (end of section) */
+
 #ifdef __cplusplus
 }
 #endif
