@@ -1,0 +1,68 @@
+// The decoder's top level: stream recognition, picture bookkeeping and error context.
+#include "decoder.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace kvtdec {
+
+void fail(const char* format, ...) {
+    char text[256];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(text, sizeof text, format, args);
+    va_end(args);
+    throw DecodeError(text);
+}
+
+Decoder::Decoder(Stream& stream) : stream_(stream) {
+    // MPEG-4 streams open with a 00 00 01 start code, H.263 ones (and MPEG-4 short-header ones)
+    // with a picture start code; whichever comes first decides.
+    const size_t mpeg4 = stream_.find_start_code(0);
+    size_t h263 = stream_.find_h263_start(0);
+    while (h263 < stream_.size() && !stream_.is_h263_picture_start(h263))
+        h263 = stream_.find_h263_start(h263 + 3);
+    if (mpeg4 >= stream_.size() && h263 >= stream_.size())
+        throw DecodeError("no H.263 picture start code and no MPEG-4 start code in the input");
+    codec_ = mpeg4 < h263 ? Codec::Mpeg4 : Codec::H263;
+    pos_ = codec_ == Codec::Mpeg4 ? mpeg4 : h263;
+}
+
+const char* Decoder::codec_name() const { return codec_ == Codec::Mpeg4 ? "MPEG-4 visual" : "H.263"; }
+
+bool Decoder::decode_next() {
+    return codec_ == Codec::Mpeg4 ? decode_mpeg4_until_vop() : decode_h263_picture();
+}
+
+std::string Decoder::where() const {
+    std::string s = "frame " + std::to_string(decoded_);
+    if (mb_x_ < 0) return s + ", header";
+    return s + ", macroblock " + std::to_string(mb_y_ * mb_cols_ + mb_x_) + " (x " + std::to_string(mb_x_) +
+           ", y " + std::to_string(mb_y_) + ")";
+}
+
+void Decoder::set_size(int width, int height) {
+    if (width > 4096 || height > 4096) fail("picture size %dx%d is larger than 4096x4096", width, height);
+    width_ = width;
+    height_ = height;
+    mb_cols_ = (width + 15) / 16;
+    mb_rows_ = (height + 15) / 16;
+    frames_.resize(mb_cols_, mb_rows_);
+    mbs_.assign(size_t(mb_cols_) * mb_rows_, MbInfo{});
+    intra_state_.assign(mbs_.size() * 6, IntraBlockState{});
+}
+
+void Decoder::start_picture() {
+    for (MbInfo& m : mbs_) m.slice = -1;
+    quant_ = pic_.quant;
+    slice_ = 0;
+    pending_[0].mb_x = pending_[1].mb_x = -1;
+}
+
+void Decoder::finish_picture() {
+    mb_x_ = mb_y_ = -1;
+    frames_.finish_picture();
+    ++decoded_;
+}
+
+}  // namespace kvtdec

@@ -1,0 +1,167 @@
+// kvtdec: an H.263 and MPEG-4 visual (simple profile) decoder built on kvtvc.
+//
+// The decoder parses the picture, GOB, video-packet and macroblock layers itself and hands every
+// block-level job to the library: header codes, motion vectors, coefficient decoding with AC/DC
+// prediction, inverse quantization and inverse DCT, half-sample and overlapped prediction,
+// reconstruction and border expansion. Its member functions are defined one file per layer:
+//   picture_h263.cpp       H.263 picture header (with PLUSPTYPE) and the picture's GOB loop
+//   gob_h263.cpp           H.263 GOB headers
+//   vol_mpeg4.cpp          MPEG-4 VOS, VO and VOL headers and the start-code dispatch
+//   vop_mpeg4.cpp          MPEG-4 VOP header and the VOP's macroblock loop
+//   video_packet_mpeg4.cpp MPEG-4 resync markers and video-packet headers
+//   macroblock_h263.cpp    H.263 macroblock layer (baseline, Annex D, Annex F)
+//   macroblock_mpeg4.cpp   MPEG-4 simple-profile macroblock layer
+//   prediction.cpp         inter prediction and reconstruction shared by both macroblock layers
+#pragma once
+
+#include "bitreader.h"
+#include "frame_store.h"
+#include "stream.h"
+
+#include <kvtvc.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace kvtdec {
+
+// A damaged, truncated or unsupported stream. The message says what; Decoder::where() says where.
+struct DecodeError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+[[noreturn]] void fail(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// Throws unless a kvtvc reader succeeded; names the syntax element it was reading.
+inline void check(KvtStatus status, const char* what) {
+    if (status != kvtStsOk) fail("invalid %s (status %d)", what, int(status));
+}
+
+enum class Codec { H263, Mpeg4 };
+enum class MbKind : uint8_t { Skipped, Inter, Inter4V, Intra };
+
+// What later macroblocks of the same picture need to know about a decoded one.
+struct MbInfo {
+    KvtMotionVec mv[4] = {};  // per luminance block, half samples; zero when intra or skipped
+    MbKind kind = MbKind::Skipped;
+    uint8_t quant = 0;
+    int slice = -1;  // GOB or video packet it belongs to; -1 while not decoded in this picture
+};
+
+// MPEG-4 intra prediction state of one 8x8 block once decoded (ISO/IEC 14496-2 7.4.3): its
+// reconstructed DC and its first row and first column of quantized AC coefficients.
+struct IntraBlockState {
+    Kvt16s dc = 0;
+    Kvt16s row[7] = {};
+    Kvt16s col[7] = {};
+};
+
+// Fields of the picture (H.263) or VOP (MPEG-4) header the macroblock layer uses.
+struct PictureParams {
+    bool intra = true;
+    int quant = 1;
+    int rounding = 0;  // rounding control of the half-sample predictions
+    int fcode = 1;     // MPEG-4 vop_fcode_forward
+    bool umv = false;       // H.263 Annex D: vectors may point outside the picture
+    bool umv_plus = false;  // Annex D signalled in PLUSPTYPE: reversible difference codes, no wrap
+    bool obmc = false;      // H.263 Annex F: overlapped block motion compensation
+    int intra_dc_vlc_thr = 0;  // MPEG-4: quantizers at or above 11 + 2 * thr code the DC as AC
+};
+
+// MPEG-4 video object layer: the parts of the VOL header that matter to a simple-profile decoder.
+struct VolParams {
+    bool valid = false;
+    int width = 0;
+    int height = 0;
+    int time_increment_bits = 1;
+    bool mpeg_quant = false;
+    Kvt8u intra_matrix[64] = {};  // raster order
+    Kvt8u inter_matrix[64] = {};
+    bool resync_marker_disable = true;
+};
+
+// The residual of one inter macroblock waiting for its prediction (H.263 Annex F needs the
+// vectors of the macroblock to the right before it can predict).
+struct PendingMb {
+    int mb_x = -1;
+    int coded = 0;  // bit 5 - b set when block b has a residual
+    alignas(16) Kvt16s residual[6][64];
+};
+
+class Decoder {
+public:
+    // Recognises the stream by its first start code; throws DecodeError when it has none.
+    explicit Decoder(Stream& stream);
+
+    // Decodes the next picture; false at the end of the stream.
+    bool decode_next();
+    // The picture decode_next() finished (borders extended).
+    const Frame& picture() const { return frames_.reference(); }
+    int width() const { return width_; }
+    int height() const { return height_; }
+    const char* codec_name() const;
+    // "frame 3, macroblock 17 (x 5, y 1)" or "frame 3, header": where decoding stopped.
+    std::string where() const;
+
+private:
+    // Stream position and error context.
+    Stream& stream_;
+    size_t pos_ = 0;
+    Codec codec_ = Codec::H263;
+    int frame_no_ = 0;
+    int mb_x_ = -1, mb_y_ = -1;
+
+    // Sizes and pictures.
+    int width_ = 0, height_ = 0;
+    int mb_cols_ = 0, mb_rows_ = 0;
+    FrameStore frames_;
+    void set_size(int width, int height);
+
+    // Per-picture macroblock state.
+    PictureParams pic_;
+    BitReader br_;
+    int quant_ = 1;  // running quantizer
+    int slice_ = 0;  // current GOB / video packet number
+    std::vector<MbInfo> mbs_;
+    std::vector<IntraBlockState> intra_state_;  // 6 per macroblock
+    PendingMb pending_[2];
+    MbInfo& mb(int x, int y) { return mbs_[size_t(y) * mb_cols_ + x]; }
+    void start_picture();
+    void finish_picture();
+
+    // H.263 picture and GOB layers.
+    bool decode_h263_picture();
+    void read_h263_picture_header(BitReader& br);
+    void read_plusptype(BitReader& br, int& format);
+    bool read_gob_header(int gob_number);
+    int gob_rows_ = 1;
+    int plus_format_ = 0;  // PLUSPTYPE source format and options, kept while UFEP is 0
+    bool plus_umv_ = false, plus_obmc_ = false;
+
+    // MPEG-4 header layers.
+    bool decode_mpeg4_until_vop();
+    void read_visual_object(BitReader& br);
+    void read_vol(BitReader& br);
+    void read_vop_header(BitReader& br, bool& coded);
+    void decode_vop();
+    bool at_resync_marker() const;
+    void read_video_packet_header(int mb_index);
+    VolParams vol_;
+    int vo_verid_ = 1;
+
+    // Macroblock layers.
+    void decode_h263_mb(int x, int y, bool top_of_gob);
+    void read_h263_vectors(int x, int y, bool four, bool top_of_gob, KvtMotionVec mv[4]);
+    KvtMotionVec read_umv_plus_vector(KvtMotionVec pred);
+    void decode_mpeg4_mb(int x, int y);
+    void decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_pred);
+    void reset_intra_state(int x, int y);
+
+    // Prediction and reconstruction (prediction.cpp).
+    void predict_skipped(int x, int y);
+    void reconstruct_inter(int x, int y, const PendingMb& work);
+    void reconstruct_pending(int x);
+    void predict_luma_obmc(int x, int y, int b, Kvt8u* dst);
+};
+
+}  // namespace kvtdec

@@ -1,0 +1,62 @@
+// Frame buffers: planar 4:2:0 pictures covering whole macroblocks, with a replicated border
+// around each plane so that motion vectors may point outside the picture (H.263 Annex D,
+// MPEG-4 unrestricted vectors), and the two-picture store of an I/P decoder.
+#pragma once
+
+#include <kvtvc.h>
+
+#include <cstdio>
+
+namespace kvtdec {
+
+struct Plane {
+    Kvt8u* origin = nullptr;  // top-left sample of the picture
+    int step = 0;             // bytes between rows
+    int width = 0;            // coded size: whole macroblocks
+    int height = 0;
+    int border = 0;  // replicated samples on each side after extend_borders()
+
+    Kvt8u* at(int x, int y) const { return origin + y * step + x; }
+};
+
+class Frame {
+public:
+    Frame() = default;
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+    ~Frame();
+
+    // Allocates a picture of mb_cols x mb_rows macroblocks; the contents are undefined.
+    void allocate(int mb_cols, int mb_rows);
+    // Replicates the outermost samples of every plane into its border.
+    void extend_borders();
+    void copy_from(const Frame& other);
+    // Writes the top-left width x height samples as I420 (Y, then Cb, then Cr, chroma rounded up).
+    bool write_i420(std::FILE* out, int width, int height) const;
+
+    Plane plane[3];  // Y, Cb, Cr
+
+private:
+    Kvt8u* memory_[3] = {nullptr, nullptr, nullptr};
+};
+
+// The picture being decoded and the one it predicts from.
+class FrameStore {
+public:
+    // (Re)allocates both pictures when the size in macroblocks changes.
+    void resize(int mb_cols, int mb_rows);
+    Frame& current() { return frames_[cur_]; }
+    const Frame& reference() const { return frames_[1 - cur_]; }
+    // The decoded picture (borders extended) becomes the reference of the next one.
+    void finish_picture();
+    int mb_cols() const { return mb_cols_; }
+    int mb_rows() const { return mb_rows_; }
+
+private:
+    Frame frames_[2];
+    int cur_ = 0;
+    int mb_cols_ = 0;
+    int mb_rows_ = 0;
+};
+
+}  // namespace kvtdec

@@ -1,0 +1,131 @@
+// MPEG-4 simple-profile macroblock layer (ISO/IEC 14496-2 6.2.6): not_coded, MCBPC, ac_pred_flag,
+// CBPY, DQUANT, the vectors and the blocks, with intra DC and AC prediction across the blocks of
+// the same video packet (7.4.3).
+#include "decoder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace kvtdec {
+namespace {
+
+// dquant (ISO/IEC 14496-2 Table 6-27): 00 -1, 01 -2, 10 +1, 11 +2.
+constexpr int kDquant[4] = {-1, -2, 1, 2};
+
+const KvtMotionVec kZeroVectors[4] = {};
+
+}  // namespace
+
+void Decoder::decode_mpeg4_mb(int x, int y) {
+    MbInfo& m = mb(x, y);
+    m.slice = slice_;
+    std::fill(m.mv, m.mv + 4, KvtMotionVec{0, 0});
+    Kvt8u** pp = &br_.ptr;
+    int* po = &br_.offset;
+
+    Kvt8u mcbpc = 0;
+    for (;;) {  // stuffing codes may stand before the macroblock
+        if (!pic_.intra && br_.read_bit()) {  // not_coded
+            m.kind = MbKind::Skipped;
+            m.quant = Kvt8u(quant_);
+            return predict_skipped(x, y);
+        }
+        if (pic_.intra)
+            check(kvtiDecodeMCBPCIntra_H263(pp, po, &mcbpc), "MCBPC code");
+        else
+            check(kvtiDecodeMCBPCInter_H263(pp, po, &mcbpc), "MCBPC code");
+        if (mcbpc != 255) break;
+        if (br_.overrun()) fail("the VOP data ends in macroblock stuffing");
+    }
+    const int type = mcbpc & 7;
+    const bool intra = type >= 3;
+    const bool ac_pred = intra && br_.read_bit();
+    Kvt8u cbpy = 0;
+    check(kvtiDecodeCBPY_H263(pp, po, &cbpy), "CBPY code");
+    if (intra) cbpy = Kvt8u(15 - cbpy);
+    if (type == 1 || type == 4) quant_ = std::clamp(quant_ + kDquant[br_.read(2)], 1, 31);
+    m.quant = Kvt8u(quant_);
+    const int coded = cbpy << 2 | mcbpc >> 4;  // bit 5 - b: block b has coefficients
+
+    if (intra) {
+        m.kind = MbKind::Intra;
+        for (int b = 0; b < 6; ++b) decode_mpeg4_intra_block(x, y, b, coded >> (5 - b) & 1, ac_pred);
+        return;
+    }
+
+    // Vector candidates are usable inside the VOP and the video packet (ISO/IEC 14496-2 7.6.5).
+    m.kind = type == 2 ? MbKind::Inter4V : MbKind::Inter;
+    const bool has_left = x > 0 && mb(x - 1, y).slice == slice_;
+    const bool has_above = y > 0 && mb(x, y - 1).slice == slice_;
+    const bool has_above_right = y > 0 && x + 1 < mb_cols_ && mb(x + 1, y - 1).slice == slice_;
+    const Kvt32u valid[3] = {has_left, has_above, has_above_right};
+    alignas(4) const Kvt8u present[4] = {1, 1, 1, 1};
+    check(kvtiDecodePadMV_PVOP_MPEG4(pp, po, has_left ? mb(x - 1, y).mv : kZeroVectors,
+                                     has_above ? mb(x, y - 1).mv : kZeroVectors,
+                                     has_above_right ? mb(x + 1, y - 1).mv : kZeroVectors, m.mv, &valid[0],
+                                     &valid[1], &valid[2], present, pic_.fcode, type),
+          "motion vector");
+
+    PendingMb& work = pending_[0];
+    work.mb_x = x;
+    work.coded = coded;
+    const Kvt8u* matrix = vol_.mpeg_quant ? vol_.inter_matrix : nullptr;
+    for (int b = 0; b < 6; ++b)
+        if (coded >> (5 - b) & 1)
+            check(kvtiDecodeBlockCoef_Inter_MPEG4_1u16s(pp, po, work.residual[b], quant_, matrix), "inter block");
+    reconstruct_inter(x, y, work);
+}
+
+// One intra block: its left (A), above-left (B) and above (C) neighbours predict it when they are
+// intra blocks of the same video packet; the DC gradient picks the direction (7.4.3.1).
+void Decoder::decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_pred) {
+    struct Neighbour {
+        const IntraBlockState* state;  // null when not a predictor
+        int quant;
+    };
+    // Luminance blocks sit on a grid twice as fine as the macroblocks; chroma blocks on theirs.
+    const bool luma = b < 4;
+    const int bx = luma ? 2 * x + (b & 1) : x, by = luma ? 2 * y + (b >> 1) : y;
+    auto neighbour = [&](int dx, int dy) -> Neighbour {
+        const int nx = bx + dx, ny = by + dy;
+        if (nx < 0 || ny < 0) return {nullptr, 0};
+        const int mx = luma ? nx >> 1 : nx, my = luma ? ny >> 1 : ny;
+        const MbInfo& n = mb(mx, my);
+        if (n.kind != MbKind::Intra || n.slice != slice_) return {nullptr, 0};
+        const int nb = luma ? (ny & 1) * 2 + (nx & 1) : b;
+        return {&intra_state_[(size_t(my) * mb_cols_ + mx) * 6 + nb], n.quant};
+    };
+    const Neighbour a = neighbour(-1, 0), above_left = neighbour(-1, -1), c = neighbour(0, -1);
+    const int dc_a = a.state ? a.state->dc : 1024, dc_b = above_left.state ? above_left.state->dc : 1024,
+              dc_c = c.state ? c.state->dc : 1024;
+    const int dir = std::abs(dc_a - dc_b) < std::abs(dc_b - dc_c) ? 2 : 1;
+    const Neighbour& from = dir == 2 ? c : a;
+
+    // The library's prediction state: the left block's group, then this block's group holding the
+    // block above; and the left block's first column. A negative DC: no predictor there.
+    alignas(16) Kvt16s row[16] = {};
+    Kvt16s col[8] = {};
+    row[0] = a.state ? a.state->dc : -1;
+    row[8] = c.state ? c.state->dc : -1;
+    if (c.state) std::memcpy(row + 9, c.state->row, sizeof c.state->row);
+    if (a.state) std::memcpy(col + 1, a.state->col, sizeof a.state->col);
+
+    const Plane& pl = frames_.current().plane[luma ? 0 : b - 3];
+    Kvt8u* dst = luma ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);
+    const int thr = pic_.intra_dc_vlc_thr;
+    const int dc_vlc = thr == 0 || (thr < 7 && quant_ < 11 + 2 * thr);
+    const int pred_quant = from.state ? from.quant : quant_;
+    const Kvt8u* matrix = vol_.mpeg_quant ? vol_.intra_matrix : nullptr;
+    auto decode = coded ? kvtiDecodeBlockCoef_Intra_MPEG4_1u8u : kvtiDecodeBlockCoef_IntraDCOnly_MPEG4_1u8u;
+    check(decode(&br_.ptr, &br_.offset, dst, pl.step, row + 8, col, quant_, pred_quant, dir, ac_pred, b, dc_vlc,
+                 matrix),
+          "intra block");
+
+    IntraBlockState& s = intra_state_[(size_t(y) * mb_cols_ + x) * 6 + b];
+    s.dc = row[8];
+    std::memcpy(s.row, row + 9, sizeof s.row);
+    std::memcpy(s.col, col + 1, sizeof s.col);
+}
+
+}  // namespace kvtdec

@@ -1,0 +1,109 @@
+// Inter prediction and reconstruction of one macroblock, shared by the H.263 and MPEG-4
+// macroblock layers: half-sample prediction at each block's vector, H.263 Annex F overlapped
+// prediction, and the residual added with saturation.
+#include "decoder.h"
+
+#include <algorithm>
+
+namespace kvtdec {
+namespace {
+
+// Moves a size x size prediction at (px, py) so that it starts at most size + 1 samples outside
+// the picture. Out there every sample the prediction reads is a copy of the edge sample, so the
+// result is unchanged, and the reference border (frame_store.cpp) covers what it reads.
+KvtMotionVec clamp_vector(KvtMotionVec v, int px, int py, int size, const Plane& pl) {
+    const int ix = std::clamp(px + (v.dx >> 1), -(size + 1), pl.width);
+    const int iy = std::clamp(py + (v.dy >> 1), -(size + 1), pl.height);
+    return KvtMotionVec{Kvt16s(2 * (ix - px) + (v.dx & 1)), Kvt16s(2 * (iy - py) + (v.dy & 1))};
+}
+
+// Prediction of one 8x8 block, plus its residual when it has one.
+void predict_block(const Plane& ref, const Plane& cur, int px, int py, KvtMotionVec v, const Kvt16s* residual,
+                   int rounding) {
+    const KvtMotionVec c = clamp_vector(v, px, py, 8, ref);
+    if (residual)
+        kvtiReconBlockHalfpel_MPEG4_8u(ref.at(px, py), ref.step, residual, cur.at(px, py), cur.step, &c, rounding);
+    else
+        kvtiCopyBlockHalfpel_MPEG4_8u(ref.at(px, py), ref.step, cur.at(px, py), cur.step, &c, rounding);
+}
+
+}  // namespace
+
+void Decoder::predict_skipped(int x, int y) {
+    const Frame& ref = frames_.reference();
+    Frame& cur = frames_.current();
+    kvtiCopyMB_H263_8u(ref.plane[0].at(16 * x, 16 * y), cur.plane[0].at(16 * x, 16 * y), cur.plane[0].step);
+    for (int p = 1; p < 3; ++p)
+        kvtiCopyBlock_H263_8u(ref.plane[p].at(8 * x, 8 * y), cur.plane[p].at(8 * x, 8 * y), cur.plane[p].step);
+}
+
+void Decoder::reconstruct_inter(int x, int y, const PendingMb& work) {
+    const MbInfo& m = mb(x, y);
+    const Frame& ref = frames_.reference();
+    Frame& cur = frames_.current();
+    const Plane &ry = ref.plane[0], &cy = cur.plane[0];
+    auto residual = [&](int b) { return work.coded >> (5 - b) & 1 ? work.residual[b] : nullptr; };
+
+    if (pic_.obmc) {
+        for (int b = 0; b < 4; ++b) {
+            Kvt8u* dst = cy.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1));
+            predict_luma_obmc(x, y, b, dst);
+            if (residual(b)) kvtiReconBlock_H263_I(dst, residual(b), cy.step);
+        }
+    } else if (m.kind != MbKind::Inter4V && (work.coded & 0x3C) == 0) {
+        const KvtMotionVec c = clamp_vector(m.mv[0], 16 * x, 16 * y, 16, ry);
+        kvtiCopyMBHalfpel_MPEG4_8u(ry.at(16 * x, 16 * y), ry.step, cy.at(16 * x, 16 * y), cy.step, &c,
+                                   pic_.rounding);
+    } else {
+        for (int b = 0; b < 4; ++b)
+            predict_block(ry, cy, 16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1), m.mv[b], residual(b), pic_.rounding);
+    }
+
+    KvtMotionVec chroma;
+    alignas(4) const Kvt8u present[4] = {1, 1, 1, 1};
+    if (m.kind == MbKind::Inter4V)
+        kvtiComputeChroma4MV_MPEG4(m.mv, &chroma, present);
+    else
+        kvtiComputeChromaMV_MPEG4(&m.mv[0], &chroma);
+    for (int p = 1; p < 3; ++p)
+        predict_block(ref.plane[p], cur.plane[p], 8 * x, 8 * y, chroma, residual(3 + p), pic_.rounding);
+}
+
+// Annex F: the macroblock before x is predicted once the vectors of x, its right neighbour, are
+// known (called after each macroblock of an overlapped picture, and with x = columns at a row's end).
+void Decoder::reconstruct_pending(int x) {
+    if (x == 0) return;
+    PendingMb& work = pending_[(x - 1) & 1];
+    if (work.mb_x != x - 1) return;
+    reconstruct_inter(x - 1, mb_y_, work);
+    work.mb_x = -1;
+}
+
+// H.263 Annex F.3: each luminance block blends the predictions at its own vector and at the
+// vectors of the blocks above or below and left or right of it. A neighbour outside the picture
+// or intra lends the block's own vector; one not coded lends its zero vector; the macroblock
+// below is not decoded yet, so the lower blocks use their own vector there too.
+void Decoder::predict_luma_obmc(int x, int y, int b, Kvt8u* dst) {
+    const MbInfo& m = mb(x, y);
+    const KvtMotionVec own = m.mv[b];
+    auto remote = [&](int mx, int my, int block) {
+        if (mx < 0 || my < 0 || mx >= mb_cols_) return own;
+        const MbInfo& n = mb(mx, my);
+        return n.kind == MbKind::Intra ? own : n.mv[block];
+    };
+    const int col = b & 1, row = b >> 1;
+    const KvtMotionVec above = row ? m.mv[b - 2] : remote(x, y - 1, b + 2);
+    const KvtMotionVec below = row ? own : m.mv[b + 2];
+    const KvtMotionVec left = col ? m.mv[b - 1] : remote(x - 1, y, b + 1);
+    const KvtMotionVec right = col ? remote(x + 1, y, b - 1) : m.mv[b + 1];
+
+    const Plane& ref = frames_.reference().plane[0];
+    const int px = 16 * x + 8 * col, py = 16 * y + 8 * row;
+    const KvtMotionVec v[5] = {clamp_vector(own, px, py, 8, ref), clamp_vector(left, px, py, 8, ref),
+                               clamp_vector(right, px, py, 8, ref), clamp_vector(above, px, py, 8, ref),
+                               clamp_vector(below, px, py, 8, ref)};
+    kvtiOBMCHalfpel_MPEG4_8u(ref.at(px, py), ref.step, dst, frames_.current().plane[0].step, &v[0], &v[1], &v[2],
+                             &v[3], &v[4], pic_.rounding);
+}
+
+}  // namespace kvtdec
