@@ -443,8 +443,9 @@ KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_H263_1u16s(Kvt8u** ppBitStream, int* 
  * above DCs, zigzag), 2 vertical DC and AC from above (alternate-horizontal scan), 3 horizontal
  * from the left (alternate-vertical scan); else -83. Prediction state as for MPEG-4 (row groups
  * and column buffer, AC as levels, negative DC: not available). coded 0: no TCOEF in the stream.
- * Levels plus predicted levels times 2 QP clamp to -2048..2047; the DC is 2 QP level + predicted DC,
- * clamped to 0..2047 and made odd, and is stored in pCoefBufRow[0]. step >= 8 (-82), QP 1..31 (-76). */
+ * AC: (level + predicted level) x 2 QP, clamped to -2048..2047; DC: 2 QP level + predicted DC,
+ * clamped to 0..2047 and made odd unless 0, stored in pCoefBufRow[0]. step >= 8 (-82), QP 1..31
+ * (-76). */
 KVTAPI KvtStatus kvtiDecodeBlockCoef_AdvIntra_H263_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
                                                         int step, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
                                                         int QP, int predMode, int coded);
@@ -501,7 +502,7 @@ KVTAPI KvtStatus kvtiQuantInvIntra_Compact_H263_16s_I(Kvt16s* pSrcDst, int len, 
 KVTAPI KvtStatus kvtiQuantInvInter_Compact_H263_16s_I(Kvt16s* pSrcDst, int len, int QP);
 /* Whole-block forms; QP is not checked (values outside 1..31 are clamped to it), results -2048..2047. */
 /* Intra weighting-matrix method on entries 1..63; entry 0 must hold the reconstructed DC: it is kept
- * and counted in the mismatch sum. */
+ * (clamped to -2048..2047) and counted in the mismatch sum. */
 KVTAPI KvtStatus kvtiQuantInvIntra_MPEG4_16s_C1I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
 /* As kvtiQuantInvInter_MPEG4_16s_I (pQMatrix may be NULL: H.263 method). */
 KVTAPI KvtStatus kvtiQuantInv_MPEG4_16s_C1I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
