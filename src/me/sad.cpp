@@ -12,7 +12,7 @@ KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* 
                              Kvt32s* pDstSAD, int mcType) {
     if (!pSrcCur || !pSrcRef) return kvtStsNullPointer;
     const bool aligned = aligned16(pSrcCur, srcCurStep);
-    return with_phase(mcType & 12, [&](auto phase) {
+    return with_phase(mcType & kMcPhaseBits, [&](auto phase) {
         constexpr int t = decltype(phase)::value;
         if (aligned) return KVT_KERNEL_A16(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
         return KVT_KERNEL(sad_16x16)<t>(pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);

@@ -38,7 +38,8 @@ std::vector<TsvRow> read_table(const std::string& file) {
     while (next_data_line(in, line)) {
         const std::vector<std::string> cells = split_tabs(line);
         rows.emplace_back();
-        for (size_t i = 0; i < header.size() && i < cells.size(); ++i) rows.back().cells[header[i]] = cells[i];
+        for (size_t i = 0; i < header.size() && i < cells.size(); ++i)
+            rows.back().cells[header[i]] = cells[i];
     }
     if (rows.empty()) ADD_FAILURE() << "no rows in the code table " << path;
     return rows;
