@@ -25,7 +25,8 @@ def tables_dir():
 
 def read(name):
     with open(os.path.join(tables_dir(), name), newline="") as f:
-        return list(csv.DictReader(f, delimiter="\t"))
+        lines = [line for line in f if line.strip() and not line.startswith("#")]
+    return list(csv.DictReader(lines, delimiter="\t"))
 
 
 # ---- TCOEF: three lookup parts by the 12-bit look-ahead v --------------------------------------

@@ -25,7 +25,8 @@ int qp_in_range(int qp) { return std::min(std::max(qp, 1), 31); }
 }  // namespace
 
 KvtStatus kvtiPredictReconCoefIntra_MPEG4_16s(Kvt16s* pSrcDst, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
-                                              int curQP, int predQP, int predDir, int ACPredFlag, int blockType) {
+                                              int curQP, int predQP, int predDir, int ACPredFlag,
+                                              int blockType) {
     if (!pSrcDst || !pCoefBufRow || !pCoefBufCol) return kvtStsNullPointer;
     if (bad_qp(curQP) || bad_qp(predQP)) return kvtStsBadQuantMpeg4;
     if (predDir < 0 || predDir > 2) return kvtStsBadPredDir;
@@ -65,11 +66,12 @@ KvtStatus kvtiQuantInvIntraSecond_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, int dcSca
     if (bad_flag(dcScalerFlag)) return kvtStsBadDCScalerFlag;
     if (bad_flag(blockType)) return kvtStsBadBlockType;
     if (bad_bits(bitsPerPixel)) return kvtStsBadBitsPerPixel;
-    return dsp.h263_intra(pSrcDst, 64, QP, dc_scale_for(dcScalerFlag, QP, blockType), lo_for_bits(bitsPerPixel),
-                          hi_for_bits(bitsPerPixel));
+    return dsp.h263_intra(pSrcDst, 64, QP, dc_scale_for(dcScalerFlag, QP, blockType),
+                          lo_for_bits(bitsPerPixel), hi_for_bits(bitsPerPixel));
 }
 
-KvtStatus kvtiQuantInvInterFirst_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix, int bitsPerPixel) {
+KvtStatus kvtiQuantInvInterFirst_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix,
+                                             int bitsPerPixel) {
     if (!pSrcDst || !pQMatrix) return kvtStsNullPointer;
     if (bad_qp(QP)) return kvtStsBadQuantMpeg4;
     if (bad_bits(bitsPerPixel)) return kvtStsBadBitsPerPixel;

@@ -87,7 +87,8 @@ KvtStatus predict_intra(int16_t* c, int16_t* row, int16_t* col, int qp, int pred
         const int16_t* a = dir == 2 ? row : col;
         const int stride = dir == 2 ? 1 : 8;
         for (int i = 1; i < 8; ++i)
-            if (a[i]) c[i * stride] = int16_t(clamp(c[i * stride] + scaled_ac(a[i], qp, pred_qp), -2048, 2047));
+            if (a[i])
+                c[i * stride] = int16_t(clamp(c[i * stride] + scaled_ac(a[i], qp, pred_qp), -2048, 2047));
     }
     for (int i = 1; i < 8; ++i) {
         row[i] = c[i];

@@ -19,7 +19,8 @@ using DequantIntraDcFn = KvtStatus (*)(int16_t* c, int len, int qp);
 // Weighting-matrix method (ISO/IEC 14496-2 7.4.4.1) on all 64 entries, with mismatch control.
 using DequantMatrixFn = KvtStatus (*)(int16_t* c, int qp, const uint8_t* w, int lo, int hi);
 // Intra: entry 0 becomes clamp(c[0] * dc_scale) and starts the mismatch sum.
-using DequantMatrixIntraFn = KvtStatus (*)(int16_t* c, int qp, const uint8_t* w, int dc_scale, int lo, int hi);
+using DequantMatrixIntraFn = KvtStatus (*)(int16_t* c, int qp, const uint8_t* w, int dc_scale, int lo,
+                                           int hi);
 // MPEG-4 intra DC and AC prediction (ISO/IEC 14496-2 7.4.3); arguments as the exported function.
 using PredictIntraFn = KvtStatus (*)(int16_t* c, int16_t* row, int16_t* col, int qp, int pred_qp, int dir,
                                      int ac_pred, int chroma);
