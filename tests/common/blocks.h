@@ -11,12 +11,15 @@
 
 namespace kvt::test {
 
-// A step of at least `bytes`, negative half the time.
-inline int random_step(Rng& rng, int bytes) { return (bytes + rng.uniform(0, 24)) * (rng.coin() ? -1 : 1); }
+// A step of at least `bytes`, negative half the time unless `positive`.
+inline int random_step(Rng& rng, int bytes, bool positive = false) {
+    const int step = bytes + rng.uniform(0, 24);
+    return positive || rng.coin() ? step : -step;
+}
 
 // w x h samples: full range, only 0 and 255, or four neighbouring values (every rounding case).
-inline Plane<uint8_t> samples(Rng& rng, int w, int h) {
-    Plane<uint8_t> p(w, h, random_step(rng, w), size_t(rng.uniform(0, 15)));
+inline Plane<uint8_t> samples(Rng& rng, int w, int h, bool positive = false) {
+    Plane<uint8_t> p(w, h, random_step(rng, w, positive), size_t(rng.uniform(0, 15)));
     const int mode = rng.uniform(0, 2), base = rng.uniform(0, 252);
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x) {
