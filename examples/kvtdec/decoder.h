@@ -5,7 +5,7 @@
 // prediction, inverse quantization and inverse DCT, half-sample and overlapped prediction,
 // reconstruction and border expansion. Its member functions are defined one file per layer:
 //   picture_h263.cpp       H.263 picture header (with PLUSPTYPE) and the picture's GOB loop
-//   gob_h263.cpp           H.263 GOB headers
+//   gob_h263.cpp           H.263 GOB and slice (Annex K) headers
 //   vol_mpeg4.cpp          MPEG-4 VOS, VO and VOL headers and the start-code dispatch
 //   vop_mpeg4.cpp          MPEG-4 VOP header and the VOP's macroblock loop
 //   video_packet_mpeg4.cpp MPEG-4 resync markers and video-packet headers
@@ -65,6 +65,7 @@ struct PictureParams {
     bool umv = false;       // H.263 Annex D: vectors may point outside the picture
     bool umv_plus = false;  // Annex D signalled in PLUSPTYPE: reversible difference codes, no wrap
     bool obmc = false;      // H.263 Annex F: overlapped block motion compensation
+    bool slices = false;    // H.263 Annex K: slices instead of GOBs
     int intra_dc_vlc_thr = 0;  // MPEG-4: quantizers at or above 11 + 2 * thr code the DC as AC
 };
 
@@ -108,7 +109,7 @@ private:
     Stream& stream_;
     size_t pos_ = 0;
     Codec codec_ = Codec::H263;
-    int frame_no_ = 0;
+    int decoded_ = 0;  // pictures finished; the one being decoded has this number
     int mb_x_ = -1, mb_y_ = -1;
 
     // Sizes and pictures.
@@ -134,9 +135,12 @@ private:
     void read_h263_picture_header(BitReader& br);
     void read_plusptype(BitReader& br, int& format);
     bool read_gob_header(int gob_number);
+    bool read_slice_header(int mb_index);
+    int mba_bits() const;
+    bool skip_start_code();
     int gob_rows_ = 1;
     int plus_format_ = 0;  // PLUSPTYPE source format and options, kept while UFEP is 0
-    bool plus_umv_ = false, plus_obmc_ = false;
+    bool plus_custom_pcf_ = false, plus_umv_ = false, plus_obmc_ = false, plus_slices_ = false;
 
     // MPEG-4 header layers.
     bool decode_mpeg4_until_vop();
@@ -150,8 +154,8 @@ private:
     int vo_verid_ = 1;
 
     // Macroblock layers.
-    void decode_h263_mb(int x, int y, bool top_of_gob);
-    void read_h263_vectors(int x, int y, bool four, bool top_of_gob, KvtMotionVec mv[4]);
+    void decode_h263_mb(int x, int y);
+    void read_h263_vectors(int x, int y, bool four, KvtMotionVec mv[4]);
     KvtMotionVec read_umv_plus_vector(KvtMotionVec pred);
     void decode_mpeg4_mb(int x, int y);
     void decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_pred);

@@ -46,7 +46,7 @@ const KvtMotionVec kZeroVectors[4] = {};
 
 }  // namespace
 
-void Decoder::decode_h263_mb(int x, int y, bool top) {
+void Decoder::decode_h263_mb(int x, int y) {
     MbInfo& m = mb(x, y);
     m.slice = slice_;
     std::fill(m.mv, m.mv + 4, KvtMotionVec{0, 0});
@@ -97,7 +97,7 @@ void Decoder::decode_h263_mb(int x, int y, bool top) {
 
     const bool four = type == 2 || type == 5;
     m.kind = four ? MbKind::Inter4V : MbKind::Inter;
-    read_h263_vectors(x, y, four, top, m.mv);
+    read_h263_vectors(x, y, four, m.mv);
     PendingMb& work = pending_[x & 1];
     work.mb_x = x;
     work.coded = coded;
@@ -112,11 +112,14 @@ void Decoder::decode_h263_mb(int x, int y, bool top) {
 
 // Vectors of one macroblock against the median of the candidates of H.263 6.1.1 and Annex F.2:
 // for each luminance block its left, above and above-right neighbours, zero outside the picture
-// at the sides, and the left one alone at the top of the picture or of a GOB with a header.
-void Decoder::read_h263_vectors(int x, int y, bool four, bool top, KvtMotionVec mv[4]) {
-    const KvtMotionVec* left_mb = x > 0 ? mb(x - 1, y).mv : kZeroVectors;
-    const KvtMotionVec* above_mb = y > 0 ? mb(x, y - 1).mv : kZeroVectors;
-    const KvtMotionVec* right_above_mb = y > 0 && x + 1 < mb_cols_ ? mb(x + 1, y - 1).mv : kZeroVectors;
+// at the sides. Where the macroblock above lies outside the picture or in an earlier GOB with a
+// header or slice (Annex K), the left candidate alone predicts the upper blocks.
+void Decoder::read_h263_vectors(int x, int y, bool four, KvtMotionVec mv[4]) {
+    const bool has_left = x > 0 && mb(x - 1, y).slice == slice_;
+    const bool top = y == 0 || mb(x, y - 1).slice != slice_;
+    const KvtMotionVec* left_mb = has_left ? mb(x - 1, y).mv : kZeroVectors;
+    const KvtMotionVec* above_mb = !top ? mb(x, y - 1).mv : kZeroVectors;
+    const KvtMotionVec* right_above_mb = !top && x + 1 < mb_cols_ ? mb(x + 1, y - 1).mv : kZeroVectors;
     for (int b = 0; b < (four ? 4 : 1); ++b) {
         KvtMotionVec cand[3];  // left, above, above-right
         switch (b) {

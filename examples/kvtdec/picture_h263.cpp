@@ -32,20 +32,17 @@ bool Decoder::decode_h263_picture() {
     if (br_.overrun()) fail("the picture header is truncated");
     start_picture();
 
-    for (int y = 0; y < mb_rows_; ++y) {
-        // A GOB header makes its first row a new top edge for vector prediction (H.263 6.1.1).
-        bool top = y == 0;
-        if (y > 0 && y % gob_rows_ == 0 && read_gob_header(y / gob_rows_)) {
-            top = true;
+    const int count = mb_cols_ * mb_rows_;
+    for (int i = 0; i < count; ++i) {
+        const int x = i % mb_cols_, y = i / mb_cols_;
+        mb_x_ = x;
+        mb_y_ = y;
+        if (i > 0 && (pic_.slices ? read_slice_header(i)
+                                  : x == 0 && y % gob_rows_ == 0 && read_gob_header(y / gob_rows_)))
             ++slice_;
-        }
-        for (int x = 0; x < mb_cols_; ++x) {
-            mb_x_ = x;
-            mb_y_ = y;
-            decode_h263_mb(x, y, top);
-            if (br_.overrun()) fail("the picture data ends inside this macroblock");
-        }
-        if (pic_.obmc) reconstruct_pending(mb_cols_);
+        decode_h263_mb(x, y);
+        if (br_.overrun()) fail("the picture data ends inside this macroblock");
+        if (pic_.obmc && x == mb_cols_ - 1) reconstruct_pending(mb_cols_);
     }
     finish_picture();
     return true;
@@ -76,6 +73,9 @@ void Decoder::read_h263_picture_header(BitReader& br) {
     if (p.quant == 0) fail("PQUANT is 0");
     while (br.read_bit()) br.skip(8);  // PEI, PSUPP
     pic_ = p;
+    if (p.slices) {  // the first slice's header: SEPB1, MBA 0, SEPB2
+        if (!br.read_bit() || br.read(mba_bits()) != 0 || !br.read_bit()) fail("invalid first slice header");
+    }
 }
 
 // PLUSPTYPE and the fields it announces (H.263 5.1.4 to 5.1.19), as far as a decoder of I- and
@@ -86,19 +86,19 @@ void Decoder::read_plusptype(BitReader& br, int& format) {
     if (ufep == 1) {  // OPPTYPE
         format = int(br.read(3));
         if (format == 0 || format == 7) fail("reserved source format %d", format);
-        const bool custom_pcf = br.read_bit();
+        plus_custom_pcf_ = br.read_bit();
         plus_umv_ = br.read_bit();
         if (br.read_bit()) unsupported("H.263 Annex E (syntax-based arithmetic coding)");
         plus_obmc_ = br.read_bit();
+        if (br.read_bit()) unsupported("H.263 Annex I (advanced intra coding)");
+        if (br.read_bit()) unsupported("H.263 Annex J (deblocking filter)");
+        plus_slices_ = br.read_bit();
         static const char* const kAnnexes[] = {
-            "H.263 Annex I (advanced intra coding)",      "H.263 Annex J (deblocking filter)",
-            "H.263 Annex K (slice structured mode)",      "H.263 Annex N (reference picture selection)",
-            "H.263 Annex R (independent segment decoding)", "H.263 Annex S (alternative inter VLC)",
-            "H.263 Annex T (modified quantization)"};
+            "H.263 Annex N (reference picture selection)", "H.263 Annex R (independent segment decoding)",
+            "H.263 Annex S (alternative inter VLC)", "H.263 Annex T (modified quantization)"};
         for (const char* annex : kAnnexes)
             if (br.read_bit()) unsupported(annex);
         if (br.read(4) != 8) fail("OPPTYPE bits 15-18 are not 1 0 0 0");
-        if (custom_pcf) unsupported("custom picture clock frequency");
         plus_format_ = format;
     } else {
         if (plus_format_ == 0) fail("PLUSPTYPE without UFEP in the first picture");
@@ -126,10 +126,14 @@ void Decoder::read_plusptype(BitReader& br, int& format) {
         set_size(kFormats[format].width, kFormats[format].height);
     }
     gob_rows_ = gob_rows_for(height_);
+    if (plus_custom_pcf_) br.skip(ufep == 1 ? 8 + 2 : 2);  // CPCFC, ETR
     if (ufep == 1 && plus_umv_) {  // UUI: 1 limited, 01 unlimited; both decode alike
         if (!br.read_bit() && !br.read_bit()) fail("invalid UUI");
     }
+    if (ufep == 1 && plus_slices_ && br.read(2) != 0)  // SSS
+        unsupported("H.263 Annex K rectangular slices or arbitrary slice order");
     pic_.umv = pic_.umv_plus = plus_umv_;
+    pic_.slices = plus_slices_;
     pic_.obmc = plus_obmc_;
     pic_.quant = int(br.read(5));
 }
