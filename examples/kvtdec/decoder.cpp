@@ -41,6 +41,12 @@ std::string Decoder::where() const {
            ", y " + std::to_string(mb_y_) + ")";
 }
 
+void Decoder::report_bad_code(KvtStatus status, const char* what) const {
+    // The zero padding after the data is no valid code, so a stream cut short fails on it.
+    if (br_.bits_left() < 32) fail("the coded data ends inside this macroblock");
+    fail("invalid %s (status %d)", what, int(status));
+}
+
 void Decoder::set_size(int width, int height) {
     if (width > 4096 || height > 4096) fail("picture size %dx%d is larger than 4096x4096", width, height);
     width_ = width;

@@ -32,10 +32,6 @@ struct DecodeError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 [[noreturn]] void fail(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// Throws unless a kvtvc reader succeeded; names the syntax element it was reading.
-inline void check(KvtStatus status, const char* what) {
-    if (status != kvtStsOk) fail("invalid %s (status %d)", what, int(status));
-}
 
 enum class Codec { H263, Mpeg4 };
 enum class MbKind : uint8_t { Skipped, Inter, Inter4V, Intra };
@@ -117,6 +113,13 @@ private:
     int mb_cols_ = 0, mb_rows_ = 0;
     FrameStore frames_;
     void set_size(int width, int height);
+
+    // Throws unless a kvtvc reader succeeded, naming what it read; a failure at the end of the
+    // coded data is reported as the truncation it is.
+    void check(KvtStatus status, const char* what) const {
+        if (status != kvtStsOk) report_bad_code(status, what);
+    }
+    [[noreturn]] void report_bad_code(KvtStatus status, const char* what) const;
 
     // Per-picture macroblock state.
     PictureParams pic_;

@@ -1,6 +1,5 @@
 #include "frame_store.h"
 
-#include <cstring>
 #include <new>
 #include <utility>
 
@@ -37,27 +36,7 @@ void Frame::allocate(int mb_cols, int mb_rows) {
 }
 
 void Frame::extend_borders() {
-    for (Plane& pl : plane) {
-        const int b = pl.border;
-        for (int y = 0; y < pl.height; ++y) {
-            Kvt8u* row = pl.at(0, y);
-            std::memset(row - b, row[0], size_t(b));
-            std::memset(row + pl.width, row[pl.width - 1], size_t(b));
-        }
-        const size_t span = size_t(pl.width + 2 * b);
-        for (int y = 1; y <= b; ++y) {
-            std::memcpy(pl.at(-b, -y), pl.at(-b, 0), span);
-            std::memcpy(pl.at(-b, pl.height - 1 + y), pl.at(-b, pl.height - 1), span);
-        }
-    }
-}
-
-void Frame::copy_from(const Frame& other) {
-    for (int p = 0; p < 3; ++p) {
-        const Plane &s = other.plane[p], &d = plane[p];
-        for (int y = -s.border; y < s.height + s.border; ++y)
-            kvtsCopy_8u(s.at(-s.border, y), d.at(-d.border, y), s.width + 2 * s.border);
-    }
+    for (Plane& pl : plane) kvtiExpandFrame_H263_8u(pl.origin, pl.width, pl.height, pl.border, pl.step);
 }
 
 bool Frame::write_i420(std::FILE* out, int width, int height) const {

@@ -30,7 +30,6 @@ public:
     void allocate(int mb_cols, int mb_rows);
     // Replicates the outermost samples of every plane into its border.
     void extend_borders();
-    void copy_from(const Frame& other);
     // Writes the top-left width x height samples as I420 (Y, then Cb, then Cr, chroma rounded up).
     bool write_i420(std::FILE* out, int width, int height) const;
 

@@ -2,6 +2,7 @@
 //   yuvcmp A.yuv B.yuv WIDTH HEIGHT [--min-avg DB] [--min-frame DB] [--max-diff N]
 // Prints the frame count, the average and worst PSNR over all three planes and the largest sample
 // difference (and where it is); exits 1 when the files differ in length or a limit is not met.
+// -v adds a line per frame; --luma-psnr prints only the luma PSNR of each frame, one per line.
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -11,17 +12,17 @@
 
 int main(int argc, char** argv) {
     if (argc < 5) {
-        std::fprintf(stderr, "usage: yuvcmp A.yuv B.yuv WIDTH HEIGHT [--min-avg DB] [--min-frame DB] [--max-diff N] [-v]\n");
+        std::fprintf(stderr, "usage: yuvcmp A.yuv B.yuv WIDTH HEIGHT [--min-avg DB] [--min-frame DB] [--max-diff N] [-v | --luma-psnr]\n");
         return 2;
     }
     const int w = std::atoi(argv[3]), h = std::atoi(argv[4]);
     double min_avg = -1, min_frame = -1;
     int max_diff = 256;
-    bool verbose = false;
+    bool verbose = false, luma_only = false;
     for (int i = 5; i < argc; i += 2) {
         const std::string opt = argv[i];
-        if (opt == "-v") {
-            verbose = true;
+        if (opt == "-v" || opt == "--luma-psnr") {
+            (opt == "-v" ? verbose : luma_only) = true;
             --i;
             continue;
         }
@@ -54,12 +55,18 @@ int main(int argc, char** argv) {
             if (d > frame_diff) frame_diff = d;
             if (d > worst_diff) worst_diff = d, worst_frame = frames, worst_at = i;
         }
+        if (luma_only) {  // one line per frame: the luma PSNR alone
+            double luma_sse = 0;
+            for (size_t i = 0; i < luma; ++i) luma_sse += double(int(fa[i]) - int(fb[i])) * (int(fa[i]) - int(fb[i]));
+            std::printf("%.2f\n", luma_sse == 0 ? 100.0 : 10 * std::log10(255.0 * 255.0 * double(luma) / luma_sse));
+        }
         const double psnr = sse == 0 ? 100.0 : 10 * std::log10(255.0 * 255.0 * double(frame) / sse);
         if (verbose) std::printf("frame %d: %.2f dB, max difference %d\n", frames, psnr, frame_diff);
         sum_psnr += psnr;
         if (psnr < min_psnr) min_psnr = psnr;
         ++frames;
     }
+    if (luma_only) return length_differs ? 1 : 0;
     const double avg = frames ? sum_psnr / frames : 0;
     std::printf("%d frames, PSNR average %.2f dB, worst %.2f dB, max difference %d", frames, avg,
                 frames ? min_psnr : 0.0, worst_diff);
