@@ -11,7 +11,9 @@
 namespace kvt::test {
 
 // The low n bits of v, most significant first.
-inline std::string to_bits(uint32_t v, int n) { return std::bitset<32>(v).to_string().substr(size_t(32 - n)); }
+inline std::string to_bits(uint32_t v, int n) {
+    return std::bitset<32>(v).to_string().substr(size_t(32 - n));
+}
 
 // `bits` packed most significant first, `skip` bits into random bytes with 8 more random bytes
 // behind (the readers look ahead past the last code); the cursor on the first of `bits`.

@@ -45,8 +45,10 @@ public:
         const int m = std::abs(e.level);
         std::vector<Form> forms;
         if (has(e.last, e.run, m)) forms.push_back(kPlain);
-        if (m > lmax(e.last, e.run) && has(e.last, e.run, m - lmax(e.last, e.run))) forms.push_back(kLevelEscape);
-        if (e.run > rmax(e.last, m) && has(e.last, e.run - rmax(e.last, m) - 1, m)) forms.push_back(kRunEscape);
+        if (m > lmax(e.last, e.run) && has(e.last, e.run, m - lmax(e.last, e.run)))
+            forms.push_back(kLevelEscape);
+        if (e.run > rmax(e.last, m) && has(e.last, e.run - rmax(e.last, m) - 1, m))
+            forms.push_back(kRunEscape);
         if (m >= 1 && m <= 2047 && e.run <= 63) forms.push_back(kFixedEscape);
         return forms;
     }
@@ -55,9 +57,12 @@ public:
         const int m = std::abs(e.level);
         const std::string sign = e.level < 0 ? "1" : "0";
         switch (form) {
-            case kPlain: return code(e.last, e.run, m) + sign;
-            case kLevelEscape: return escape_ + "0" + code(e.last, e.run, m - lmax(e.last, e.run)) + sign;
-            case kRunEscape: return escape_ + "10" + code(e.last, e.run - rmax(e.last, m) - 1, m) + sign;
+            case kPlain:
+                return code(e.last, e.run, m) + sign;
+            case kLevelEscape:
+                return escape_ + "0" + code(e.last, e.run, m - lmax(e.last, e.run)) + sign;
+            case kRunEscape:
+                return escape_ + "10" + code(e.last, e.run - rmax(e.last, m) - 1, m) + sign;
             case kFixedEscape:
                 return escape_ + "11" + to_bits(uint32_t(e.last), 1) + to_bits(uint32_t(e.run), 6) + "1" +
                        to_bits(uint32_t(e.level), 12) + "1";
@@ -80,7 +85,9 @@ private:
         const auto it = m.find(k);
         return it == m.end() ? v : it->second;
     }
-    const std::string& code(int last, int run, int magnitude) const { return codes_.at({last, run, magnitude}); }
+    const std::string& code(int last, int run, int magnitude) const {
+        return codes_.at({last, run, magnitude});
+    }
     std::map<Key3, std::string> codes_;
     std::map<Key2, int> lmax_, rmax_;
     std::string escape_;
@@ -134,7 +141,8 @@ inline std::vector<int> scan_order(const std::string& name) {
 }
 
 // The events placed in raster order through `scan`, from scan position `first`.
-inline std::array<int16_t, 64> place(const std::vector<CoefEvent>& events, int first, const std::vector<int>& scan) {
+inline std::array<int16_t, 64> place(const std::vector<CoefEvent>& events, int first,
+                                     const std::vector<int>& scan) {
     std::array<int16_t, 64> block{};
     int i = first - 1;
     for (const CoefEvent& e : events) {

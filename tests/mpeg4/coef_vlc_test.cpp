@@ -47,7 +47,8 @@ KvtStatus decode(Kind kind, Rng& rng, const std::string& bits, int offset, int d
     out.fill(77);
     KvtStatus st = kvtStsOk;
     if (kind == kInter) st = kvtiDecodeVLCZigzag_Inter_MPEG4_1u16s(&s.p, &s.offset, out.data());
-    if (kind == kIntraDc) st = kvtiDecodeVLCZigzag_IntraDCVLC_MPEG4_1u16s(&s.p, &s.offset, out.data(), dir, chroma);
+    if (kind == kIntraDc)
+        st = kvtiDecodeVLCZigzag_IntraDCVLC_MPEG4_1u16s(&s.p, &s.offset, out.data(), dir, chroma);
     if (kind == kIntraAc) st = kvtiDecodeVLCZigzag_IntraACVLC_MPEG4_1u16s(&s.p, &s.offset, out.data(), dir);
     moved = s.pos() - start;
     return st;
@@ -103,19 +104,20 @@ TEST(Mpeg4Coef, FixedEscapesAtTheLimitsAndRejectedCodes) {
         int status;
         long moved;
     } cases[] = {
-        {"01110", kInter, 0, 5},                                     // (1, 0, +1): one coefficient
+        {"01110", kInter, 0, 5},                                                // (1, 0, +1): one coefficient
         {esc3 + "1" + "000000" + "1" + "000000000000" + "1", kInter, -100, 0},  // level 0
         {esc3 + "1" + "000000" + "1" + "100000000000" + "1", kInter, -100, 0},  // level -2048
         {esc3 + "1" + "000000" + "0" + "000000000001" + "1", kInter, -100, 0},  // first marker
         {esc3 + "1" + "000000" + "1" + "000000000001" + "0", kInter, -100, 0},  // second marker
         {plain_one + esc3 + "1" + "111111" + "1" + "000000000001" + "1", kInter, -100, 0},  // index 64
         {esc3 + "1" + "111111" + "1" + "000000000001" + "1", kInter, 0, 30},                // index 63
-        {"000000000" + std::string(8, '1'), kInter, -100, 0},                              // no code
-        {t.escape() + "0" + t.escape() + "1", kInter, -100, 0},                            // escape in escape
+        {"000000000" + std::string(8, '1'), kInter, -100, 0},                               // no code
+        {t.escape() + "0" + t.escape() + "1", kInter, -100, 0},  // escape in escape
         {t.escape() + "10" + "000000000", kInter, -100, 0},
-        {write_intra_dc(3, false) + "000000000", kIntraDc, -100, long(write_intra_dc(3, false).size())},  // AC error: after the DC
-        {"00000000000" + std::string(12, '1'), kIntraDc, -100, 0},        // luma size code too long
-        {"0000000001" + std::string(11, '1') + "0", kIntraDc, -99, 0},    // size 11 without marker
+        {write_intra_dc(3, false) + "000000000", kIntraDc, -100,
+         long(write_intra_dc(3, false).size())},                        // AC error: after the DC
+        {"00000000000" + std::string(12, '1'), kIntraDc, -100, 0},      // luma size code too long
+        {"0000000001" + std::string(11, '1') + "0", kIntraDc, -99, 0},  // size 11 without marker
     };
     for (const Case& c : cases)
         for (int offset = 0; offset < 8; ++offset) {
@@ -136,20 +138,22 @@ TEST(Mpeg4Coef, IntraDcSizesAndDifferentials) {
     Rng rng(test_seed());
     for (int chroma = 0; chroma < 2; ++chroma)
         for (int size = 0; size <= 12; ++size)
-            for (int diff : {(1 << size) - 1, -((1 << size) - 1), 1 << (size ? size - 1 : 0), -(1 << (size ? size - 1 : 0))}) {
+            for (int diff : {(1 << size) - 1, -((1 << size) - 1), 1 << (size ? size - 1 : 0),
+                             -(1 << (size ? size - 1 : 0))}) {
                 if (size == 0) diff = 0;
                 const std::string bits = write_intra_dc(diff, chroma);
                 Stream s(rng, bits, size % 8);
                 const long start = s.pos();
                 Kvt16s dc = 77;
-                ASSERT_EQ(kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(&s.p, &s.offset, &dc, chroma ? 1 : 0), 0) << bits;
+                ASSERT_EQ(kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(&s.p, &s.offset, &dc, chroma ? 1 : 0), 0)
+                    << bits;
                 EXPECT_EQ(dc, diff) << bits;
                 EXPECT_EQ(s.pos() - start, long(bits.size())) << bits;
             }
     EXPECT_EQ(write_intra_dc(-4095, true).substr(0, 12), "000000000001");
-    for (auto [bits, chroma, status] : {std::tuple{std::string(12, '0') + "1", 1, -100},
-                                        std::tuple{std::string(11, '0') + "1", 0, -100},
-                                        std::tuple{"000000000001" + std::string(12, '1') + "0", 1, -99}}) {
+    for (auto [bits, chroma, status] :
+         {std::tuple{std::string(12, '0') + "1", 1, -100}, std::tuple{std::string(11, '0') + "1", 0, -100},
+          std::tuple{"000000000001" + std::string(12, '1') + "0", 1, -99}}) {
         Stream s(rng, bits + "11111111", 5);
         const long start = s.pos();
         Kvt16s dc = 77;
