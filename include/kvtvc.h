@@ -414,8 +414,8 @@ KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt
  * orthonormal 2-D DCT (forward DC = sum / 8, no level shift). The inverse transforms meet IEEE Std
  * 1180-1990 for coefficients in -2048..2047; the reduced forms give the full form's result bit for
  * bit when only the top-left 4x4 (2x2) coefficients are nonzero and ignore the others. The forward
- * transforms are within 1 of the rounded exact DCT for inputs of magnitude up to 723. Results are
- * the same on every processor. Null pointers: -8; a step below its minimum: -14 (-82 for
+ * transforms are within 1 of the rounded exact DCT for inputs of magnitude up to 723 (larger ones saturate).
+ * Results are the same on every processor. Null pointers: -8; a step below its minimum: -14 (-82 for
  * kvtiDCTInv_8x8_16s8u). */
 /* Inverse DCT in place, results saturated to -32768..32767. */
 KVTAPI KvtStatus kvtiDCT8x8Inv_16s_C1I(Kvt16s* pSrcDst);

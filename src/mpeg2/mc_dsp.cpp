@@ -7,6 +7,7 @@ namespace kvt {
 void init_mc_dsp(McDsp& d, unsigned f) {
     c::init_mc(d);
     KVT_IF_TIER(f, sse2, init_mc(d));
+    KVT_IF_TIER(f, avx2, init_mc(d));
 }
 
 }  // namespace kvt

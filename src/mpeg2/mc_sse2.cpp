@@ -151,8 +151,8 @@ private:
 };
 
 template <int shape, int phase>
-KvtStatus mc(const uint8_t* ref, int ref_step, const int16_t* res, int res_step, uint8_t* dst, int dst_step,
-             int r) {
+[[gnu::flatten]] KvtStatus mc(const uint8_t* ref, int ref_step, const int16_t* res, int res_step,
+                              uint8_t* dst, int dst_step, int r) {
     constexpr McShape s = kMcShapes[shape];
     constexpr int R = unit_rows(s);
     using U = Unit<s.w, R>;
@@ -165,8 +165,8 @@ KvtStatus mc(const uint8_t* ref, int ref_step, const int16_t* res, int res_step,
 }
 
 template <int shape, int fwd, int bwd>
-KvtStatus mc_bi(const uint8_t* f, int f_step, const uint8_t* b, int b_step, const int16_t* res, int res_step,
-                uint8_t* dst, int dst_step, int r) {
+[[gnu::flatten]] KvtStatus mc_bi(const uint8_t* f, int f_step, const uint8_t* b, int b_step,
+                                 const int16_t* res, int res_step, uint8_t* dst, int dst_step, int r) {
     constexpr McShape s = kMcShapes[shape];
     constexpr int R = unit_rows(s);
     using U = Unit<s.w, R>;
@@ -182,7 +182,7 @@ KvtStatus mc_bi(const uint8_t* f, int f_step, const uint8_t* b, int b_step, cons
 }
 
 template <int w, int h, int phase, int r>
-KvtStatus copy(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
+[[gnu::flatten]] KvtStatus copy(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
     predict_block<w, h, mc_half_h(phase), mc_half_v(phase), r>(src, src_step, dst, dst_step);
     return kvtStsOk;
 }

@@ -8,7 +8,6 @@
 #include "common/kernel.h"
 #include "mpeg4/coef_decode_dsp.h"
 #include "mpeg4/coef_vlc.h"
-#include "mpeg4/idct_decl.h"
 
 namespace kvt::KVT_C_NS {
 

@@ -36,8 +36,8 @@ inline __m128i blend8(__m128i q, __m128i t, __m128i s, int i) {
 }
 
 template <int r>
-KvtStatus obmc(const uint8_t* ref, int ref_step, uint8_t* dst, int dst_step,
-               const KvtMotionVec* const mv[kObmcVectors]) {
+[[gnu::flatten]] KvtStatus obmc(const uint8_t* ref, int ref_step, uint8_t* dst, int dst_step,
+                                const KvtMotionVec* const mv[kObmcVectors]) {
     alignas(16) uint8_t q[64], t[64], left[64], right[64];
     predict_rows<8, r>(ref, ref_step, *mv[kObmcCurrent], 0, q);
     predict_rows<4, r>(ref, ref_step, *mv[kObmcAbove], 0, t);

@@ -20,14 +20,15 @@ inline __m128i add_residual(__m128i pred, const int16_t* lo, const int16_t* hi) 
 }
 
 template <int n, int phase, int r>
-KvtStatus copy(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
+[[gnu::flatten]] KvtStatus copy(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
     predict_block<n, n, recon_half_h(phase), recon_half_v(phase), r>(src, src_step, dst, dst_step);
     return kvtStsOk;
 }
 
 // Two rows per register: residual rows y and y + 1 are 16 contiguous values.
 template <int phase, int r>
-KvtStatus recon8(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst, int dst_step) {
+[[gnu::flatten]] KvtStatus recon8(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
+                                  int dst_step) {
     Predictor<8, recon_half_h(phase), recon_half_v(phase), r> pred(src, src_step);
 #pragma GCC unroll 4
     for (int y = 0; y < 8; y += 2, res += 16, dst += 2 * intptr_t(dst_step))
@@ -35,7 +36,8 @@ KvtStatus recon8(const uint8_t* src, int src_step, const int16_t* res, uint8_t* 
     return kvtStsOk;
 }
 
-KvtStatus recon16(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst, int dst_step) {
+[[gnu::flatten]] KvtStatus recon16(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
+                                   int dst_step) {
 #pragma GCC unroll 16
     for (int y = 0; y < 16; ++y, src += src_step, dst += dst_step) {
         const int16_t* left = res + (y / 8) * 128 + (y % 8) * 8;
@@ -45,7 +47,8 @@ KvtStatus recon16(const uint8_t* src, int src_step, const int16_t* res, uint8_t*
 }
 
 template <int n>
-KvtStatus average(const uint8_t* a, int a_step, const uint8_t* b, int b_step, uint8_t* dst, int dst_step) {
+[[gnu::flatten]] KvtStatus average(const uint8_t* a, int a_step, const uint8_t* b, int b_step, uint8_t* dst,
+                                   int dst_step) {
     constexpr int rows = 16 / n;
 #pragma GCC unroll 16
     for (int y = 0; y < n; y += rows, a += rows * intptr_t(a_step), b += rows * intptr_t(b_step),
