@@ -49,6 +49,7 @@ void Decoder::report_bad_code(KvtStatus status, const char* what) const {
 
 void Decoder::set_size(int width, int height) {
     if (width > 4096 || height > 4096) fail("picture size %dx%d is larger than 4096x4096", width, height);
+    if (width == width_ && height == height_) return;
     width_ = width;
     height_ = height;
     mb_cols_ = (width + 15) / 16;

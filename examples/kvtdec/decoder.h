@@ -42,6 +42,10 @@ struct MbInfo {
     MbKind kind = MbKind::Skipped;
     uint8_t quant = 0;
     int slice = -1;  // GOB or video packet it belongs to; -1 while not decoded in this picture
+    // Its samples are a plain copy of the reference's. The two pictures of the store alternate, so
+    // when this holds for the previous picture and the macroblock is skipped again, the picture
+    // being decoded already holds the samples to copy.
+    bool copy_of_reference = false;
 };
 
 // MPEG-4 intra prediction state of one 8x8 block once decoded (ISO/IEC 14496-2 7.4.3): its
@@ -165,7 +169,7 @@ private:
     void reset_intra_state(int x, int y);
 
     // Prediction and reconstruction (prediction.cpp).
-    void predict_skipped(int x, int y);
+    void predict_skipped(int x, int y, bool was_copy);
     void reconstruct_inter(int x, int y, const PendingMb& work);
     void reconstruct_pending(int x);
     void predict_luma_obmc(int x, int y, int b, Kvt8u* dst);

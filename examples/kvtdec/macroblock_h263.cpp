@@ -50,6 +50,8 @@ void Decoder::decode_h263_mb(int x, int y) {
     MbInfo& m = mb(x, y);
     m.slice = slice_;
     std::fill(m.mv, m.mv + 4, KvtMotionVec{0, 0});
+    const bool was_copy = m.copy_of_reference;
+    m.copy_of_reference = false;
     Kvt8u** pp = &br_.ptr;
     int* po = &br_.offset;
 
@@ -58,7 +60,7 @@ void Decoder::decode_h263_mb(int x, int y) {
         if (!pic_.intra && br_.read_bit()) {  // COD 1: not coded
             m.kind = MbKind::Skipped;
             m.quant = Kvt8u(quant_);
-            if (!pic_.obmc) return predict_skipped(x, y);
+            if (!pic_.obmc) return predict_skipped(x, y, was_copy);
             pending_[x & 1].mb_x = x;
             pending_[x & 1].coded = 0;
             return reconstruct_pending(x);

@@ -21,6 +21,8 @@ void Decoder::decode_mpeg4_mb(int x, int y) {
     MbInfo& m = mb(x, y);
     m.slice = slice_;
     std::fill(m.mv, m.mv + 4, KvtMotionVec{0, 0});
+    const bool was_copy = m.copy_of_reference;
+    m.copy_of_reference = false;
     Kvt8u** pp = &br_.ptr;
     int* po = &br_.offset;
 
@@ -29,7 +31,7 @@ void Decoder::decode_mpeg4_mb(int x, int y) {
         if (!pic_.intra && br_.read_bit()) {  // not_coded
             m.kind = MbKind::Skipped;
             m.quant = Kvt8u(quant_);
-            return predict_skipped(x, y);
+            return predict_skipped(x, y, was_copy);
         }
         if (pic_.intra)
             check(kvtiDecodeMCBPCIntra_H263(pp, po, &mcbpc), "MCBPC code");

@@ -29,7 +29,9 @@ void predict_block(const Plane& ref, const Plane& cur, int px, int py, KvtMotion
 
 }  // namespace
 
-void Decoder::predict_skipped(int x, int y) {
+void Decoder::predict_skipped(int x, int y, bool was_copy) {
+    mb(x, y).copy_of_reference = true;
+    if (was_copy) return;
     const Frame& ref = frames_.reference();
     Frame& cur = frames_.current();
     kvtiCopyMB_H263_8u(ref.plane[0].at(16 * x, 16 * y), cur.plane[0].at(16 * x, 16 * y), cur.plane[0].step);

@@ -2,7 +2,9 @@
 
 #include "frame_store.h"
 
+#if KVTDEC_HAVE_ZLIB
 #include <zlib.h>
+#endif
 
 #include <algorithm>
 #include <cstdint>
@@ -34,6 +36,7 @@ std::vector<uint8_t> to_rgb(const Frame& f, int width, int height) {
     return rgb;
 }
 
+#if KVTDEC_HAVE_ZLIB
 void put_be32(std::vector<uint8_t>& v, uint32_t x) {
     for (int s = 24; s >= 0; s -= 8) v.push_back(uint8_t(x >> s));
 }
@@ -72,6 +75,11 @@ std::string encode_png(const std::vector<uint8_t>& rgb, int width, int height, s
     put_chunk(png, "IEND", {});
     return "";
 }
+#else
+std::string encode_png(const std::vector<uint8_t>&, int, int, std::vector<uint8_t>&) {
+    return "this build has no zlib for PNG; write a .ppm snapshot";
+}
+#endif
 
 bool ends_with(const std::string& s, const char* suffix) {
     const std::string t(suffix);
