@@ -11,8 +11,8 @@
 # (its per-frame luma PSNR), kvtdec must also land within 0.1 dB of it. Exit 77 (skip) without ffmpeg.
 set -uo pipefail
 
-kvtdec=$1
-yuvcmp=$2
+kvtdec=$(realpath "$1")
+yuvcmp=$(realpath "$2")
 work=$3
 if ! command -v ffmpeg >/dev/null; then
   echo "SKIPPED: ffmpeg is not installed (scripts/install-deps all installs it)"
