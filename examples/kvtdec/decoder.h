@@ -60,12 +60,12 @@ struct IntraBlockState {
 struct PictureParams {
     bool intra = true;
     int quant = 1;
-    int rounding = 0;  // rounding control of the half-sample predictions
-    int fcode = 1;     // MPEG-4 vop_fcode_forward
-    bool umv = false;       // H.263 Annex D: vectors may point outside the picture
-    bool umv_plus = false;  // Annex D signalled in PLUSPTYPE: reversible difference codes, no wrap
-    bool obmc = false;      // H.263 Annex F: overlapped block motion compensation
-    bool slices = false;    // H.263 Annex K: slices instead of GOBs
+    int rounding = 0;          // rounding control of the half-sample predictions
+    int fcode = 1;             // MPEG-4 vop_fcode_forward
+    bool umv = false;          // H.263 Annex D: vectors may point outside the picture
+    bool umv_plus = false;     // Annex D signalled in PLUSPTYPE: reversible difference codes, no wrap
+    bool obmc = false;         // H.263 Annex F: overlapped block motion compensation
+    bool slices = false;       // H.263 Annex K: slices instead of GOBs
     int intra_dc_vlc_thr = 0;  // MPEG-4: quantizers at or above 11 + 2 * thr code the DC as AC
 };
 

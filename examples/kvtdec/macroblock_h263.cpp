@@ -56,7 +56,7 @@ void Decoder::decode_h263_mb(int x, int y) {
     int* po = &br_.offset;
 
     Kvt8u mcbpc = 0;
-    for (;;) {  // stuffing codes may stand before the macroblock
+    for (;;) {                                // stuffing codes may stand before the macroblock
         if (!pic_.intra && br_.read_bit()) {  // COD 1: not coded
             m.kind = MbKind::Skipped;
             m.quant = Kvt8u(quant_);
@@ -125,17 +125,25 @@ void Decoder::read_h263_vectors(int x, int y, bool four, KvtMotionVec mv[4]) {
     for (int b = 0; b < (four ? 4 : 1); ++b) {
         KvtMotionVec cand[3];  // left, above, above-right
         switch (b) {
-            case 0: cand[0] = left_mb[1], cand[1] = above_mb[2], cand[2] = right_above_mb[2]; break;
-            case 1: cand[0] = mv[0], cand[1] = above_mb[3], cand[2] = right_above_mb[2]; break;
-            case 2: cand[0] = left_mb[3], cand[1] = mv[0], cand[2] = mv[1]; break;
-            default: cand[0] = mv[2], cand[1] = mv[0], cand[2] = mv[1]; break;
+            case 0:
+                cand[0] = left_mb[1], cand[1] = above_mb[2], cand[2] = right_above_mb[2];
+                break;
+            case 1:
+                cand[0] = mv[0], cand[1] = above_mb[3], cand[2] = right_above_mb[2];
+                break;
+            case 2:
+                cand[0] = left_mb[3], cand[1] = mv[0], cand[2] = mv[1];
+                break;
+            default:
+                cand[0] = mv[2], cand[1] = mv[0], cand[2] = mv[1];
+                break;
         }
         const bool top_edge = top && b < 2;
         if (pic_.umv_plus) {
-            const KvtMotionVec pred =
-                top_edge ? cand[0]
-                         : KvtMotionVec{Kvt16s(median3(cand[0].dx, cand[1].dx, cand[2].dx)),
-                                        Kvt16s(median3(cand[0].dy, cand[1].dy, cand[2].dy))};
+            const KvtMotionVec pred = top_edge
+                                          ? cand[0]
+                                          : KvtMotionVec{Kvt16s(median3(cand[0].dx, cand[1].dx, cand[2].dx)),
+                                                         Kvt16s(median3(cand[0].dy, cand[1].dy, cand[2].dy))};
             mv[b] = read_umv_plus_vector(pred);
         } else if (top_edge) {
             check(kvtiDecodeMV_TopBorder_H263(&br_.ptr, &br_.offset, &cand[0], &mv[b]), "MVD code");

@@ -27,7 +27,7 @@ void Decoder::decode_mpeg4_mb(int x, int y) {
     int* po = &br_.offset;
 
     Kvt8u mcbpc = 0;
-    for (;;) {  // stuffing codes may stand before the macroblock
+    for (;;) {                                // stuffing codes may stand before the macroblock
         if (!pic_.intra && br_.read_bit()) {  // not_coded
             m.kind = MbKind::Skipped;
             m.quant = Kvt8u(quant_);
@@ -75,7 +75,8 @@ void Decoder::decode_mpeg4_mb(int x, int y) {
     const Kvt8u* matrix = vol_.mpeg_quant ? vol_.inter_matrix : nullptr;
     for (int b = 0; b < 6; ++b)
         if (coded >> (5 - b) & 1)
-            check(kvtiDecodeBlockCoef_Inter_MPEG4_1u16s(pp, po, work.residual[b], quant_, matrix), "inter block");
+            check(kvtiDecodeBlockCoef_Inter_MPEG4_1u16s(pp, po, work.residual[b], quant_, matrix),
+                  "inter block");
     reconstruct_inter(x, y, work);
 }
 
@@ -120,8 +121,8 @@ void Decoder::decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_
     const int pred_quant = from.state ? from.quant : quant_;
     const Kvt8u* matrix = vol_.mpeg_quant ? vol_.intra_matrix : nullptr;
     auto decode = coded ? kvtiDecodeBlockCoef_Intra_MPEG4_1u8u : kvtiDecodeBlockCoef_IntraDCOnly_MPEG4_1u8u;
-    check(decode(&br_.ptr, &br_.offset, dst, pl.step, row + 8, col, quant_, pred_quant, dir, ac_pred, b, dc_vlc,
-                 matrix),
+    check(decode(&br_.ptr, &br_.offset, dst, pl.step, row + 8, col, quant_, pred_quant, dir, ac_pred, b,
+                 dc_vlc, matrix),
           "intra block");
 
     IntraBlockState& s = intra_state_[(size_t(y) * mb_cols_ + x) * 6 + b];

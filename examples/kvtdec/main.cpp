@@ -62,6 +62,12 @@ std::string parse_args(int argc, char** argv, Options& opts) {
 bool read_file(const std::string& path, std::vector<Kvt8u>& bytes) {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> f(std::fopen(path.c_str(), "rb"), std::fclose);
     if (!f) return false;
+    // Room for the stream's padding from the start, so that it never moves.
+    if (std::fseek(f.get(), 0, SEEK_END) == 0) {
+        const long size = std::ftell(f.get());
+        if (size > 0) bytes.reserve(size_t(size) + kvtdec::Stream::kPadding);
+        std::rewind(f.get());
+    }
     Kvt8u chunk[1 << 16];
     size_t n;
     while ((n = std::fread(chunk, 1, sizeof chunk, f.get())) > 0) bytes.insert(bytes.end(), chunk, chunk + n);
@@ -110,7 +116,8 @@ int main(int argc, char** argv) {
                 return 1;
             }
             if (frames == opts.snapshot) {
-                const std::string err = kvtdec::write_snapshot(opts.snapshot_file, pic, dec->width(), dec->height());
+                const std::string err =
+                    kvtdec::write_snapshot(opts.snapshot_file, pic, dec->width(), dec->height());
                 if (!err.empty()) {
                     std::fprintf(stderr, "kvtdec: %s\n", err.c_str());
                     return 1;

@@ -127,7 +127,7 @@ void Decoder::read_plusptype(BitReader& br, int& format) {
     }
     gob_rows_ = gob_rows_for(height_);
     if (plus_custom_pcf_) br.skip(ufep == 1 ? 8 + 2 : 2);  // CPCFC, ETR
-    if (ufep == 1 && plus_umv_) {  // UUI: 1 limited, 01 unlimited; both decode alike
+    if (ufep == 1 && plus_umv_) {                          // UUI: 1 limited, 01 unlimited; both decode alike
         if (!br.read_bit() && !br.read_bit()) fail("invalid UUI");
     }
     if (ufep == 1 && plus_slices_ && br.read(2) != 0)  // SSS

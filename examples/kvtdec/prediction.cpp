@@ -22,7 +22,8 @@ void predict_block(const Plane& ref, const Plane& cur, int px, int py, KvtMotion
                    int rounding) {
     const KvtMotionVec c = clamp_vector(v, px, py, 8, ref);
     if (residual)
-        kvtiReconBlockHalfpel_MPEG4_8u(ref.at(px, py), ref.step, residual, cur.at(px, py), cur.step, &c, rounding);
+        kvtiReconBlockHalfpel_MPEG4_8u(ref.at(px, py), ref.step, residual, cur.at(px, py), cur.step, &c,
+                                       rounding);
     else
         kvtiCopyBlockHalfpel_MPEG4_8u(ref.at(px, py), ref.step, cur.at(px, py), cur.step, &c, rounding);
 }
@@ -36,7 +37,8 @@ void Decoder::predict_skipped(int x, int y, bool was_copy) {
     Frame& cur = frames_.current();
     kvtiCopyMB_H263_8u(ref.plane[0].at(16 * x, 16 * y), cur.plane[0].at(16 * x, 16 * y), cur.plane[0].step);
     for (int p = 1; p < 3; ++p)
-        kvtiCopyBlock_H263_8u(ref.plane[p].at(8 * x, 8 * y), cur.plane[p].at(8 * x, 8 * y), cur.plane[p].step);
+        kvtiCopyBlock_H263_8u(ref.plane[p].at(8 * x, 8 * y), cur.plane[p].at(8 * x, 8 * y),
+                              cur.plane[p].step);
 }
 
 void Decoder::reconstruct_inter(int x, int y, const PendingMb& work) {
@@ -58,7 +60,8 @@ void Decoder::reconstruct_inter(int x, int y, const PendingMb& work) {
                                    pic_.rounding);
     } else {
         for (int b = 0; b < 4; ++b)
-            predict_block(ry, cy, 16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1), m.mv[b], residual(b), pic_.rounding);
+            predict_block(ry, cy, 16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1), m.mv[b], residual(b),
+                          pic_.rounding);
     }
 
     KvtMotionVec chroma;
@@ -104,8 +107,8 @@ void Decoder::predict_luma_obmc(int x, int y, int b, Kvt8u* dst) {
     const KvtMotionVec v[5] = {clamp_vector(own, px, py, 8, ref), clamp_vector(left, px, py, 8, ref),
                                clamp_vector(right, px, py, 8, ref), clamp_vector(above, px, py, 8, ref),
                                clamp_vector(below, px, py, 8, ref)};
-    kvtiOBMCHalfpel_MPEG4_8u(ref.at(px, py), ref.step, dst, frames_.current().plane[0].step, &v[0], &v[1], &v[2],
-                             &v[3], &v[4], pic_.rounding);
+    kvtiOBMCHalfpel_MPEG4_8u(ref.at(px, py), ref.step, dst, frames_.current().plane[0].step, &v[0], &v[1],
+                             &v[2], &v[3], &v[4], pic_.rounding);
 }
 
 }  // namespace kvtdec

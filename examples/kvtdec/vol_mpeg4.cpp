@@ -14,14 +14,14 @@ constexpr int kVop = 0xB6;
 constexpr int kVolFirst = 0x20, kVolLast = 0x2F;
 
 // Default weighting matrices (ISO/IEC 14496-2 6.3.3), raster order.
-constexpr Kvt8u kDefaultIntraMatrix[64] = {
-    8,  17, 18, 19, 21, 23, 25, 27, 17, 18, 19, 21, 23, 25, 27, 28, 20, 21, 22, 23, 24, 26,
-    28, 30, 21, 22, 23, 24, 26, 28, 30, 32, 22, 23, 24, 26, 28, 30, 32, 35, 23, 24, 26, 28,
-    30, 32, 35, 38, 25, 26, 28, 30, 32, 35, 38, 41, 27, 28, 30, 32, 35, 38, 41, 45};
-constexpr Kvt8u kDefaultInterMatrix[64] = {
-    16, 17, 18, 19, 20, 21, 22, 23, 17, 18, 19, 20, 21, 22, 23, 24, 18, 19, 20, 21, 22, 23,
-    24, 25, 19, 20, 21, 22, 23, 24, 26, 27, 20, 21, 22, 23, 25, 26, 27, 28, 21, 22, 23, 24,
-    26, 27, 28, 30, 22, 23, 24, 26, 27, 28, 30, 31, 23, 24, 25, 27, 28, 30, 31, 33};
+constexpr Kvt8u kDefaultIntraMatrix[64] = {8,  17, 18, 19, 21, 23, 25, 27, 17, 18, 19, 21, 23, 25, 27, 28,
+                                           20, 21, 22, 23, 24, 26, 28, 30, 21, 22, 23, 24, 26, 28, 30, 32,
+                                           22, 23, 24, 26, 28, 30, 32, 35, 23, 24, 26, 28, 30, 32, 35, 38,
+                                           25, 26, 28, 30, 32, 35, 38, 41, 27, 28, 30, 32, 35, 38, 41, 45};
+constexpr Kvt8u kDefaultInterMatrix[64] = {16, 17, 18, 19, 20, 21, 22, 23, 17, 18, 19, 20, 21, 22, 23, 24,
+                                           18, 19, 20, 21, 22, 23, 24, 25, 19, 20, 21, 22, 23, 24, 26, 27,
+                                           20, 21, 22, 23, 25, 26, 27, 28, 21, 22, 23, 24, 26, 27, 28, 30,
+                                           22, 23, 24, 26, 27, 28, 30, 31, 23, 24, 25, 27, 28, 30, 31, 33};
 
 [[noreturn]] void unsupported(const char* what) { fail("unsupported: %s", what); }
 
@@ -94,7 +94,7 @@ void Decoder::read_vol(BitReader& br) {
     if (br.read(4) == 15) br.skip(16);  // aspect_ratio_info, extended PAR
     if (br.read_bit()) {                // vol_control_parameters
         if (br.read(2) != 1) unsupported("chroma format other than 4:2:0");
-        br.skip(1);                     // low_delay
+        br.skip(1);                      // low_delay
         if (br.read_bit()) br.skip(79);  // vbv_parameters
     }
     if (br.read(2) != 0) unsupported("non-rectangular video object shape");

@@ -12,7 +12,9 @@
 
 int main(int argc, char** argv) {
     if (argc < 5) {
-        std::fprintf(stderr, "usage: yuvcmp A.yuv B.yuv WIDTH HEIGHT [--min-avg DB] [--min-frame DB] [--max-diff N] [-v | --luma-psnr]\n");
+        std::fprintf(stderr,
+                     "usage: yuvcmp A.yuv B.yuv WIDTH HEIGHT [--min-avg DB] [--min-frame DB] [--max-diff N] "
+                     "[-v | --luma-psnr]\n");
         return 2;
     }
     const int w = std::atoi(argv[3]), h = std::atoi(argv[4]);
@@ -27,9 +29,12 @@ int main(int argc, char** argv) {
             continue;
         }
         if (i + 1 == argc) break;
-        if (opt == "--min-avg") min_avg = std::atof(argv[i + 1]);
-        else if (opt == "--min-frame") min_frame = std::atof(argv[i + 1]);
-        else if (opt == "--max-diff") max_diff = std::atoi(argv[i + 1]);
+        if (opt == "--min-avg")
+            min_avg = std::atof(argv[i + 1]);
+        else if (opt == "--min-frame")
+            min_frame = std::atof(argv[i + 1]);
+        else if (opt == "--max-diff")
+            max_diff = std::atoi(argv[i + 1]);
     }
     std::FILE* a = std::fopen(argv[1], "rb");
     std::FILE* b = std::fopen(argv[2], "rb");
@@ -57,8 +62,10 @@ int main(int argc, char** argv) {
         }
         if (luma_only) {  // one line per frame: the luma PSNR alone
             double luma_sse = 0;
-            for (size_t i = 0; i < luma; ++i) luma_sse += double(int(fa[i]) - int(fb[i])) * (int(fa[i]) - int(fb[i]));
-            std::printf("%.2f\n", luma_sse == 0 ? 100.0 : 10 * std::log10(255.0 * 255.0 * double(luma) / luma_sse));
+            for (size_t i = 0; i < luma; ++i)
+                luma_sse += double(int(fa[i]) - int(fb[i])) * (int(fa[i]) - int(fb[i]));
+            std::printf("%.2f\n",
+                        luma_sse == 0 ? 100.0 : 10 * std::log10(255.0 * 255.0 * double(luma) / luma_sse));
         }
         const double psnr = sse == 0 ? 100.0 : 10 * std::log10(255.0 * 255.0 * double(frame) / sse);
         if (verbose) std::printf("frame %d: %.2f dB, max difference %d\n", frames, psnr, frame_diff);
