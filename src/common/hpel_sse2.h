@@ -1,8 +1,9 @@
 // Exact half-sample predictions with rounding control r (0 or 1) on bytes, for the MPEG-1/2 and
 // H.263/MPEG-4 prediction kernels (both standards use the same formulas):
 //   horizontal or vertical half  (a + b + 1 - r) >> 1,   both halves  (a + b + c + d + 2 - r) >> 2.
-// Include only from *_sse2.cpp files. Everything here has internal linkage, so a tier's copy
-// can never stand in for another's.
+// Include only from the tier files (*_sse2.cpp, and *_avx2.cpp, where the same intrinsics take the
+// VEX encoding). Everything here has internal linkage, so a tier's copy can never stand in for
+// another's.
 #pragma once
 
 #include <cstdint>
