@@ -29,35 +29,33 @@ template <int n, int phase, int r>
     return kvtStsOk;
 }
 
-// Two rows per register: residual rows y and y + 1 are 16 contiguous values.
 template <int phase, int r>
 [[gnu::flatten]] KvtStatus recon8(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
                                   int dst_step) {
-    Predictor<8, recon_half_h(phase), recon_half_v(phase), r> pred(src, src_step);
-#pragma GCC unroll 4
-    for (int y = 0; y < 8; y += 2, res += 16, dst += 2 * intptr_t(dst_step))
-        store_unit<8>(dst, dst_step, add_residual(pred.next(), res, res + 8));
+    Predictor<8, recon_half_h(phase), recon_half_v(phase), r> pred(src);
+    const __m128i z = _mm_setzero_si128();
+    for_rows<8>(src, src_step, dst, dst_step, [&](const uint8_t* p, const uint8_t* below, uint8_t* d, int y) {
+        const __m128i sum = _mm_adds_epi16(_mm_unpacklo_epi8(pred.row(p, below), z), simd::load(res + 8 * y));
+        store8(d, _mm_packus_epi16(sum, sum));
+    });
     return kvtStsOk;
 }
 
 [[gnu::flatten]] KvtStatus recon16(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
                                    int dst_step) {
-#pragma GCC unroll 16
-    for (int y = 0; y < 16; ++y, src += src_step, dst += dst_step) {
+    for_rows<16>(src, src_step, dst, dst_step, [res](const uint8_t* p, const uint8_t*, uint8_t* d, int y) {
         const int16_t* left = res + (y / 8) * 128 + (y % 8) * 8;
-        store16(dst, add_residual(load16(src), left, left + 64));
-    }
+        store16(d, add_residual(load16(p), left, left + 64));
+    });
     return kvtStsOk;
 }
 
 template <int n>
 [[gnu::flatten]] KvtStatus average(const uint8_t* a, int a_step, const uint8_t* b, int b_step, uint8_t* dst,
                                    int dst_step) {
-    constexpr int rows = 16 / n;
 #pragma GCC unroll 16
-    for (int y = 0; y < n; y += rows, a += rows * intptr_t(a_step), b += rows * intptr_t(b_step),
-             dst += rows * intptr_t(dst_step))
-        store_unit<n>(dst, dst_step, _mm_avg_epu8(load_unit<n>(a, a_step), load_unit<n>(b, b_step)));
+    for (int y = 0; y < n; ++y, a += a_step, b += b_step, dst += dst_step)
+        store_row<n>(dst, _mm_avg_epu8(load_row<n>(a), load_row<n>(b)));
     return kvtStsOk;
 }
 
