@@ -19,9 +19,9 @@ constexpr int kStuffing = 255;
 
 // MCBPC for I-pictures (H.263 Table 7), by the first 9 bits.
 constexpr CodeSpec kIntraCodes[] = {
-    {"1", mcbpc(3, 0)},      {"001", mcbpc(3, 1)},    {"010", mcbpc(3, 2)},    {"011", mcbpc(3, 3)},
-    {"0001", mcbpc(4, 0)},   {"000001", mcbpc(4, 1)}, {"000010", mcbpc(4, 2)}, {"000011", mcbpc(4, 3)},
-    {"000000001", kStuffing},
+    {"1", mcbpc(3, 0)},      {"001", mcbpc(3, 1)},    {"010", mcbpc(3, 2)},
+    {"011", mcbpc(3, 3)},    {"0001", mcbpc(4, 0)},   {"000001", mcbpc(4, 1)},
+    {"000010", mcbpc(4, 2)}, {"000011", mcbpc(4, 3)}, {"000000001", kStuffing},
 };
 constexpr auto kIntra = build_code_table<512>(9, 0, kIntraCodes);
 
@@ -40,9 +40,9 @@ constexpr auto kInter = build_code_table<512>(9, 0, kInterCodes);
 
 // CBPY (H.263 Table 13) in its inter reading, bit 3 = first luminance block, by the first 6 bits.
 constexpr CodeSpec kCbpyCodes[] = {
-    {"0011", 15}, {"00101", 14}, {"00100", 13}, {"1001", 12}, {"00011", 11}, {"0111", 10},
-    {"000010", 9}, {"1011", 8}, {"00010", 7}, {"000011", 6}, {"0101", 5}, {"1010", 4},
-    {"0100", 3}, {"1000", 2}, {"0110", 1}, {"11", 0},
+    {"0011", 15},  {"00101", 14}, {"00100", 13}, {"1001", 12},  {"00011", 11}, {"0111", 10},
+    {"000010", 9}, {"1011", 8},   {"00010", 7},  {"000011", 6}, {"0101", 5},   {"1010", 4},
+    {"0100", 3},   {"1000", 2},   {"0110", 1},   {"11", 0},
 };
 constexpr auto kCbpy = build_code_table<64>(6, 0, kCbpyCodes);
 
@@ -54,10 +54,9 @@ static_assert(covers(kCbpy, 2) && kCbpy[1].length == 0 && kCbpy[0].length == 0);
 
 // H.263 Annex T DQUANT: change of QUANT for the codes 10 and 11, by the prior QUANT (row 0 unused).
 constexpr int8_t kMqChange[32][2] = {
-    {0, 0},   {2, 1},   {-1, 1},  {-1, 1},  {-1, 1},  {-1, 1},  {-1, 1},  {-1, 1},
-    {-1, 1},  {-1, 1},  {-1, 1},  {-2, 2},  {-2, 2},  {-2, 2},  {-2, 2},  {-2, 2},
-    {-2, 2},  {-2, 2},  {-2, 2},  {-2, 2},  {-2, 2},  {-3, 3},  {-3, 3},  {-3, 3},
-    {-3, 3},  {-3, 3},  {-3, 3},  {-3, 3},  {-3, 3},  {-3, 2},  {-3, 1},  {-3, -5},
+    {0, 0},  {2, 1},  {-1, 1}, {-1, 1}, {-1, 1}, {-1, 1}, {-1, 1}, {-1, 1}, {-1, 1}, {-1, 1},  {-1, 1},
+    {-2, 2}, {-2, 2}, {-2, 2}, {-2, 2}, {-2, 2}, {-2, 2}, {-2, 2}, {-2, 2}, {-2, 2}, {-2, 2},  {-3, 3},
+    {-3, 3}, {-3, 3}, {-3, 3}, {-3, 3}, {-3, 3}, {-3, 3}, {-3, 3}, {-3, 2}, {-3, 1}, {-3, -5},
 };
 
 // Writes value, advances past a code of `length` bits and stores the cursor back.
@@ -72,8 +71,8 @@ inline void accept(ByteCursor c, int length, uint8_t** pp, int* pOffset, uint8_t
 namespace {
 
 // One table lookup; a rejected code leaves everything as it was.
-inline int decode_by_table(const CodeEntry* table, uint32_t bits, int status_if_bad, uint8_t** pp, int* pOffset,
-                           uint8_t* dst) {
+inline int decode_by_table(const CodeEntry* table, uint32_t bits, int status_if_bad, uint8_t** pp,
+                           int* pOffset, uint8_t* dst) {
     const ByteCursor c{*pp, *pOffset};
     const CodeEntry e = table[c.show16(bits)];
     if (e.length == 0) return status_if_bad;

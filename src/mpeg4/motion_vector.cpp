@@ -33,21 +33,23 @@ KvtStatus check_direct(const KvtMotionVec* col, const KvtMotionVec* fwd, const K
 }  // namespace
 
 KvtStatus kvtiDecodePadMV_PVOP_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, const KvtMotionVec* pSrcMVLeftMB,
-                                     const KvtMotionVec* pSrcMVUpperMB, const KvtMotionVec* pSrcMVUpperRightMB,
-                                     KvtMotionVec* pDstMVCurMB, const Kvt32u* pValidLeft, const Kvt32u* pValidUpper,
+                                     const KvtMotionVec* pSrcMVUpperMB,
+                                     const KvtMotionVec* pSrcMVUpperRightMB, KvtMotionVec* pDstMVCurMB,
+                                     const Kvt32u* pValidLeft, const Kvt32u* pValidUpper,
                                      const Kvt32u* pValidUpperRight, const Kvt8u* pBlockPresent, int fcode,
                                      int mbType) {
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
-    if (!pSrcMVLeftMB || !pSrcMVUpperMB || !pSrcMVUpperRightMB || !pDstMVCurMB || !pValidLeft || !pValidUpper ||
-        !pValidUpperRight || !pBlockPresent)
+    if (!pSrcMVLeftMB || !pSrcMVUpperMB || !pSrcMVUpperRightMB || !pDstMVCurMB || !pValidLeft ||
+        !pValidUpper || !pValidUpperRight || !pBlockPresent)
         return kvtStsNullPointer;
     if (misaligned(pValidLeft) || misaligned(pValidUpper) || misaligned(pValidUpperRight) ||
         misaligned(pBlockPresent))
         return kvtStsMisaligned;
     if (bad_fcode(fcode)) return kvtStsBadFcode;
-    const MvNeighbours nb{pSrcMVLeftMB, pSrcMVUpperMB, pSrcMVUpperRightMB,
+    const MvNeighbours nb{pSrcMVLeftMB,     pSrcMVUpperMB,     pSrcMVUpperRightMB,
                           *pValidLeft != 0, *pValidUpper != 0, *pValidUpperRight != 0};
-    return decode_pad_mv_pvop_mpeg4_ref(ppBitStream, pBitOffset, nb, pDstMVCurMB, pBlockPresent, fcode, mbType);
+    return decode_pad_mv_pvop_mpeg4_ref(ppBitStream, pBitOffset, nb, pDstMVCurMB, pBlockPresent, fcode,
+                                        mbType);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
@@ -73,20 +75,23 @@ KvtStatus kvtiDecodeMV_BVOP_Interpolate_MPEG4(Kvt8u** ppBitStream, int* pBitOffs
     return decode_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcDstMVB, fcodeBackward);
 }
 
-KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, const KvtMotionVec* pSrcMVColocated,
-                                         KvtMotionVec* pDstMVForward, KvtMotionVec* pDstMVBackward,
-                                         const Kvt32u* pColocatedFlag, int TRB, int TRD) {
+KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
+                                         const KvtMotionVec* pSrcMVColocated, KvtMotionVec* pDstMVForward,
+                                         KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag, int TRB,
+                                         int TRD) {
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
-    if (const KvtStatus st = check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
+    if (const KvtStatus st =
+            check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
         return st;
     return decode_direct_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcMVColocated, pDstMVForward, pDstMVBackward,
                                       *pColocatedFlag != 0, TRB, TRD);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_DirectSkip_MPEG4(const KvtMotionVec* pSrcMVColocated, KvtMotionVec* pDstMVForward,
-                                             KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag, int TRB,
-                                             int TRD) {
-    if (const KvtStatus st = check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
+                                             KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag,
+                                             int TRB, int TRD) {
+    if (const KvtStatus st =
+            check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
         return st;
     return direct_mv_mpeg4_ref(pSrcMVColocated, pDstMVForward, pDstMVBackward, *pColocatedFlag != 0, TRB, TRD,
                                0, 0);
@@ -103,14 +108,15 @@ KvtStatus kvtiComputeChromaMV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pD
     return kvtStsOk;
 }
 
-KvtStatus kvtiComputeChroma4MV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV, const Kvt8u* pBlockPresent) {
+KvtStatus kvtiComputeChroma4MV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
+                                     const Kvt8u* pBlockPresent) {
     if (!pSrcMV || !pDstMV || !pBlockPresent) return kvtStsNullPointer;
     *pDstMV = chroma4_mv_mpeg4_ref(pSrcMV, pBlockPresent);
     return kvtStsOk;
 }
 
-KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV, const KvtRegionRect* pRectRef,
-                                  Kvt32u xPos, Kvt32u yPos, int size) {
+KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
+                                  const KvtRegionRect* pRectRef, Kvt32u xPos, Kvt32u yPos, int size) {
     if (!pSrcMV || !pDstMV || !pRectRef) return kvtStsNullPointer;
     if (size != 8 && size != 16) return kvtStsBadBlockSize;
     if (pRectRef->width < 2 * size || pRectRef->height < 2 * size) return kvtStsBadSize;

@@ -19,7 +19,8 @@ struct MvNeighbours {
 };
 
 // Predictor of block b (0..3) from the neighbours and the blocks of `cur` already decoded.
-KvtMotionVec predict_mv_mpeg4_ref(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present, int b);
+KvtMotionVec predict_mv_mpeg4_ref(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present,
+                                  int b);
 // *mv (predictor on entry) += one decoded difference, wrapped for fcode.
 int decode_mv_mpeg4_ref(uint8_t** pp, int* pOffset, KvtMotionVec* mv, int fcode);
 int decode_pad_mv_pvop_mpeg4_ref(uint8_t** pp, int* pOffset, const MvNeighbours& nb, KvtMotionVec* cur,
@@ -32,6 +33,7 @@ int decode_direct_mv_mpeg4_ref(uint8_t** pp, int* pOffset, const KvtMotionVec* c
 int pad_mv_mpeg4_ref(KvtMotionVec* set, const uint8_t* present);
 KvtMotionVec chroma_mv_mpeg4_ref(KvtMotionVec luma);
 KvtMotionVec chroma4_mv_mpeg4_ref(const KvtMotionVec* set, const uint8_t* present);
-KvtMotionVec limit_mv_to_rect_ref(KvtMotionVec mv, const KvtRegionRect& rect, uint32_t x, uint32_t y, int size);
+KvtMotionVec limit_mv_to_rect_ref(KvtMotionVec mv, const KvtRegionRect& rect, uint32_t x, uint32_t y,
+                                  int size);
 
 }  // namespace kvt

@@ -30,10 +30,14 @@ constexpr Candidate kCandidates[4][3] = {
 const KvtMotionVec* candidate(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present,
                               Candidate c) {
     switch (c.src) {
-        case kLeft: return nb.left_ok ? nb.left + c.block : nullptr;
-        case kUpper: return nb.upper_ok ? nb.upper + c.block : nullptr;
-        case kUpperRight: return nb.upper_right_ok ? nb.upper_right + c.block : nullptr;
-        default: return present[c.block] ? cur + c.block : nullptr;
+        case kLeft:
+            return nb.left_ok ? nb.left + c.block : nullptr;
+        case kUpper:
+            return nb.upper_ok ? nb.upper + c.block : nullptr;
+        case kUpperRight:
+            return nb.upper_right_ok ? nb.upper_right + c.block : nullptr;
+        default:
+            return present[c.block] ? cur + c.block : nullptr;
     }
 }
 
@@ -78,7 +82,8 @@ int16_t limit_component(int v, uint32_t p, int o, int e, int s) {
 
 }  // namespace
 
-KvtMotionVec predict_mv_mpeg4_ref(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present, int b) {
+KvtMotionVec predict_mv_mpeg4_ref(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present,
+                                  int b) {
     const KvtMotionVec zero{0, 0};
     const KvtMotionVec* c[3];
     int usable = 0;
@@ -174,7 +179,8 @@ KvtMotionVec chroma4_mv_mpeg4_ref(const KvtMotionVec* set, const uint8_t* presen
     return KvtMotionVec{chroma4_component(sx, blocks), chroma4_component(sy, blocks)};
 }
 
-KvtMotionVec limit_mv_to_rect_ref(KvtMotionVec mv, const KvtRegionRect& rect, uint32_t x, uint32_t y, int size) {
+KvtMotionVec limit_mv_to_rect_ref(KvtMotionVec mv, const KvtRegionRect& rect, uint32_t x, uint32_t y,
+                                  int size) {
     return KvtMotionVec{limit_component(mv.dx, x, rect.x, rect.width, size),
                         limit_component(mv.dy, y, rect.y, rect.height, size)};
 }
