@@ -66,7 +66,7 @@ template <int N>
 inline V inverse_rows(V x) {
     constexpr int kShift = dct::kInvRowShift;
     const V rnd = rounding<kShift>();
-    if constexpr (N == 2) {  // both outputs halves directly from (x0, x1)
+    if constexpr (N == 2) {  // both output halves directly from (x0, x1)
         const V p01 = _mm256_shuffle_epi32(x, 0x00);
         const V lo = add(madd(p01, pairs4(0, 0, 1)), rnd), hi = add(madd(p01, pairs4(4, 0, 1)), rnd);
         return _mm256_packs_epi32(_mm256_srai_epi32(lo, kShift), _mm256_srai_epi32(hi, kShift));
