@@ -1,8 +1,9 @@
 // Exact half-sample predictions with rounding control r (0 or 1) on bytes, for the MPEG-1/2 and
 // H.263/MPEG-4 prediction kernels (both standards use the same formulas):
 //   horizontal or vertical half  (a + b + 1 - r) >> 1,   both halves  (a + b + c + d + 2 - r) >> 2.
-// Include only from *_sse2.cpp files. Everything here has internal linkage, so a tier's copy
-// can never stand in for another's.
+// Include only from the tier files (*_sse2.cpp, and *_avx2.cpp, where the same intrinsics take the
+// VEX encoding). Everything here has internal linkage, so a tier's copy can never stand in for
+// another's.
 #pragma once
 
 #include <cstdint>
@@ -55,81 +56,85 @@ inline __m128i avg4(const Pair& top, const Pair& bot) {
     return _mm_sub_epi8(_mm_avg_epu8(top.avg, bot.avg), _mm_and_si128(fix, _mm_set1_epi8(1)));
 }
 
-// A unit is one register of a W-wide block: 16 / W rows (W = 4, 8 or 16), top row first.
+// One row of a W-wide block (W = 4, 8 or 16) in the low bytes of a register. Packing two 8-wide
+// rows into one register costs more in loads and shuffles than it saves in arithmetic.
 template <int W>
-inline __m128i load_unit(const uint8_t* p, intptr_t step) {
-    if constexpr (W == 16) {
+inline __m128i load_row(const uint8_t* p) {
+    static_assert(W == 4 || W == 8 || W == 16, "rows are 4, 8 or 16 samples");
+    if constexpr (W == 16)
         return load16(p);
-    } else if constexpr (W == 8) {
-        return _mm_unpacklo_epi64(load8(p), load8(p + step));
-    } else {
-        const __m128i r01 = _mm_unpacklo_epi32(load4(p), load4(p + step));
-        const __m128i r23 = _mm_unpacklo_epi32(load4(p + 2 * step), load4(p + 3 * step));
-        return _mm_unpacklo_epi64(r01, r23);
-    }
+    else if constexpr (W == 8)
+        return load8(p);
+    else
+        return load4(p);
 }
 
 template <int W>
-inline void store_unit(uint8_t* p, intptr_t step, __m128i v) {
-    if constexpr (W == 16) {
+inline void store_row(uint8_t* p, __m128i v) {
+    if constexpr (W == 16)
         store16(p, v);
-    } else if constexpr (W == 8) {
+    else if constexpr (W == 8)
         store8(p, v);
-        store8(p + step, _mm_unpackhi_epi64(v, v));
-    } else {
-        for (int i = 0; i < 4; ++i, p += step, v = _mm_srli_si128(v, 4)) store4(p, v);
+    else
+        store4(p, v);
+}
+
+// Calls row(src_y, src_y+1, dst_y, y) for the rows y of an H-row block, four at a time, each
+// address a base plus a scaled step.
+template <int H, class Row>
+inline void for_rows(const uint8_t* src, intptr_t ss, uint8_t* dst, intptr_t ds, Row row) {
+    static_assert(H % 4 == 0, "blocks of 4, 8 or 16 rows");
+    const intptr_t ss3 = 3 * ss, ds3 = 3 * ds;
+#pragma GCC unroll 4
+    for (int y = 0; y < H; y += 4, src += 4 * ss, dst += 4 * ds) {
+        row(src, src + ss, dst, y);
+        row(src + ss, src + 2 * ss, dst + ds, y + 1);
+        row(src + 2 * ss, src + ss3, dst + 2 * ds, y + 2);
+        row(src + ss3, src + 4 * ss, dst + ds3, y + 3);
     }
 }
 
-// Predictions of a W-wide block at p, one unit per next() call, top to bottom; half_h and half_v
-// pick the phase, nb is the distance of the horizontal neighbour. Reads only the samples the phase
-// needs. One-row units carry the lower row (or its pair) into the next call.
+// Predictions of a W-wide block, row by row from the top; half_h and half_v pick the phase, nb is
+// the distance of the horizontal neighbour. Reads only the samples the phase needs; the vertical
+// half carries the lower row (or its pair) into the next row.
 template <int W, bool half_h, bool half_v, int r, int nb = 1>
 class Predictor {
 public:
-    static constexpr int kRows = 16 / W;
-
-    Predictor(const uint8_t* p, intptr_t step) : p_(p), step_(step) {
-        if constexpr (kRows == 1 && half_v && half_h)
-            prev_ = pair(load_unit<W>(p, step), load_unit<W>(p + nb, step));
-        else if constexpr (kRows == 1 && half_v)
-            prev_.avg = load_unit<W>(p, step);
+    explicit Predictor(const uint8_t* top) {
+        if constexpr (half_v && half_h)
+            prev_ = pair(load_row<W>(top), load_row<W>(top + nb));
+        else if constexpr (half_v)
+            prev_.avg = load_row<W>(top);
     }
 
-    __m128i next() {
-        const uint8_t* p = p_;
-        p_ += kRows * step_;
-        const uint8_t* below = p + step_;
+    // The prediction of the row at p, whose lower neighbour row is at below.
+    __m128i row(const uint8_t* p, const uint8_t* below) {
         if constexpr (!half_v && !half_h) {
-            return load_unit<W>(p, step_);
+            return load_row<W>(p);
         } else if constexpr (!half_v) {
-            return avg2<r>(load_unit<W>(p, step_), load_unit<W>(p + nb, step_));
+            return avg2<r>(load_row<W>(p), load_row<W>(p + nb));
         } else if constexpr (!half_h) {
-            const __m128i low = load_unit<W>(below, step_);
-            const __m128i top = kRows == 1 ? prev_.avg : load_unit<W>(p, step_);
-            prev_.avg = low;
-            return avg2<r>(top, low);
+            const __m128i top = prev_.avg;
+            prev_.avg = load_row<W>(below);
+            return avg2<r>(top, prev_.avg);
         } else {
-            const Pair low = pair(load_unit<W>(below, step_), load_unit<W>(below + nb, step_));
-            const Pair top = kRows == 1 ? prev_ : pair(load_unit<W>(p, step_), load_unit<W>(p + nb, step_));
-            prev_ = low;
-            return avg4<r>(top, low);
+            const Pair top = prev_;
+            prev_ = pair(load_row<W>(below), load_row<W>(below + nb));
+            return avg4<r>(top, prev_);
         }
     }
 
 private:
-    const uint8_t* p_;
-    intptr_t step_;
     Pair prev_{};
 };
 
 // The W x H prediction at src written to dst.
 template <int W, int H, bool half_h, bool half_v, int r>
 inline void predict_block(const uint8_t* src, intptr_t src_step, uint8_t* dst, intptr_t dst_step) {
-    Predictor<W, half_h, half_v, r> pred(src, src_step);
-    constexpr int rows = Predictor<W, half_h, half_v, r>::kRows;
-#pragma GCC unroll 16
-    for (int y = 0; y < H; y += rows, dst += rows * dst_step) store_unit<W>(dst, dst_step, pred.next());
+    Predictor<W, half_h, half_v, r> pred(src);
+    for_rows<H>(src, src_step, dst, dst_step, [&](const uint8_t* p, const uint8_t* below, uint8_t* d, int) {
+        store_row<W>(d, pred.row(p, below));
+    });
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "common/hpel_sse2.h"
 #include "common/kernel.h"
 #include "mpeg2/mc_dsp.h"
 
@@ -129,9 +130,18 @@ template <int shape, int fwd, int bwd>
     return kvtStsOk;
 }
 
+// The SSE2 byte copy, VEX-encoded here: where loads fold into the arithmetic (both halves, and the
+// vertical half at rounding 1) it gains 10 to 20%.
+template <int w, int h, int phase, int r>
+[[gnu::flatten]] KvtStatus copy(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
+    hpel::predict_block<w, h, mc_half_h(phase), mc_half_v(phase), r>(src, src_step, dst, dst_step);
+    return kvtStsOk;
+}
+
 }  // namespace
 
-// Only the 16-wide shapes: two 8-wide rows per register lose to SSE2 on the loads.
+// Only the 16-wide shapes (two 8-wide rows per register lose to SSE2 on the loads), and the copies
+// named above.
 void init_mc(McDsp& d) {
     fill_slots(d.mc, [&d](auto i) {
         constexpr int I = decltype(i)::value;
@@ -146,6 +156,13 @@ void init_mc(McDsp& d) {
             return McBiFn(&mc_bi<I / 16, I % 4, I / 4 % 4>);
         else
             return d.mc_bi[I];
+    });
+    fill_slots(d.copy, [&d](auto i) {
+        constexpr int I = decltype(i)::value;
+        if constexpr (I / 2 % 4 == 3 || (I / 2 % 4 == 1 && I % 2 == 1))
+            return McCopyFn(&copy<kMcBlockSizes[I / 24], kMcBlockSizes[I / 8 % 3], I / 2 % 4, I % 2>);
+        else
+            return d.copy[I];
     });
 }
 

@@ -111,10 +111,7 @@ inline void read_h263_escape(BitReader& r, Event& ev) {
 }
 
 template <Tcoef T>
-inline bool read_event(BitReader& r, Event& ev) {
-    bool escape = false;
-    if (!read_plain(r, TcoefTraits<T>::table(), ev, escape)) return false;
-    if (!escape) return true;
+inline bool read_escape(BitReader& r, Event& ev) {
     if constexpr (TcoefTraits<T>::kMpeg4) {
         return read_mpeg4_escape<T>(r, ev);
     } else {
@@ -126,17 +123,47 @@ inline bool read_event(BitReader& r, Event& ev) {
 // Reads events until the one with last set, from scan index `first`; store(index, level) receives
 // each coefficient. Returns 0, or the flavour's status for a bad code or for a run past index 63
 // (then nothing more is stored). *end receives the last scan index + 1.
+//
+// Table codes are cut from one look-ahead word, reloaded at the current byte only when fewer than
+// the 13 bits of the longest code and its sign are left in it, so most codes cost a shift and a
+// table load rather than a memory round trip. Escapes go through the reader.
 template <Tcoef T, class Store>
 inline KvtStatus read_block(BitReader& r, int first, int* end, Store&& store) {
+    const TcoefEntry* table = TcoefTraits<T>::table();
+    const uint8_t* p = r.p;
+    unsigned used = r.offset;  // bits of the word at p already consumed
+    uint32_t w = load_be32(p) << used;
     int i = first - 1;
     for (;;) {
+        if (used > 32 - 13) {
+            p += used >> 3;
+            used &= 7;
+            w = load_be32(p) << used;
+        }
+        const uint32_t v = w >> 20;
+        if (v < 8) return TcoefTraits<T>::kBadCode;
+        const TcoefEntry e = *tcoef_lookup(table, v);
         Event ev;
-        if (!read_event<T>(r, ev)) return TcoefTraits<T>::kBadCode;
+        if (e.level != kEscapeLevel) {
+            const unsigned n = e.length + 1u;                // the code and its sign
+            const int negative = -int((w >> (32 - n)) & 1);  // a random bit: no branch on it
+            ev = {e.last, e.run, (int(e.level) ^ negative) - negative};
+            w <<= n;
+            used += n;
+        } else {
+            BitReader at{p + (used >> 3), used & 7};
+            if (!read_escape<T>(at, ev)) return TcoefTraits<T>::kBadCode;
+            p = at.p;
+            used = at.offset;
+            w = load_be32(p) << used;
+        }
         i += ev.run + 1;
         if (i > 63) return TcoefTraits<T>::kBadIndex;
         store(i, ev.level);
         if (ev.last) break;
     }
+    r.p = p + (used >> 3);
+    r.offset = used & 7;
     *end = i + 1;
     return kvtStsOk;
 }

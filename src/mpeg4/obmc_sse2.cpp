@@ -54,7 +54,9 @@ template <int r>
             blend8(_mm_unpacklo_epi8(qv, z), _mm_unpacklo_epi8(tv, z), _mm_unpacklo_epi8(sv, z), 8 * y);
         const __m128i bot =
             blend8(_mm_unpackhi_epi8(qv, z), _mm_unpackhi_epi8(tv, z), _mm_unpackhi_epi8(sv, z), 8 * y + 8);
-        store_unit<8>(dst, dst_step, _mm_packus_epi16(top, bot));
+        const __m128i rows = _mm_packus_epi16(top, bot);
+        store8(dst, rows);
+        store8(dst + dst_step, _mm_unpackhi_epi64(rows, rows));
     }
     return kvtStsOk;
 }

@@ -46,20 +46,17 @@ void init_quant_inv(QuantInvDsp& d);
 namespace ssse3 {
 void init_quant_inv(QuantInvDsp& d);
 }
-namespace avx2 {
-void init_quant_inv(QuantInvDsp& d);
-}
 
 void init_quant_inv_dsp(QuantInvDsp& d, unsigned cpu_flags);
 
 // MPEG-4 DC scaler (ISO/IEC 14496-2 Table 7-1) for QP 1..31.
-inline int dc_scaler(int qp, bool chroma) {
+constexpr int dc_scaler(int qp, bool chroma) {
     if (qp <= 4) return 8;
     if (chroma) return qp <= 24 ? (qp + 13) / 2 : qp - 6;
     return qp <= 8 ? 2 * qp : qp <= 24 ? qp + 8 : 2 * qp - 16;
 }
 
 // q' of the H.263 method.
-inline int h263_offset(int qp) { return (qp & 1) ? qp : qp - 1; }
+constexpr int h263_offset(int qp) { return (qp & 1) ? qp : qp - 1; }
 
 }  // namespace kvt

@@ -77,9 +77,9 @@ KvtStatus matrix_intra(int16_t* c, int qp, const uint8_t* w, int dc_scale, int l
 }  // namespace
 
 void init_quant_inv(QuantInvDsp& d) {
-    d.h263 = h263_kernel<OffsetSse2>;
-    d.h263_intra = h263_intra_kernel<OffsetSse2>;
-    d.h263_intradc = h263_intradc_kernel<OffsetSse2>;
+    d.h263 = h263_kernel<Run128<OffsetSse2>>;
+    d.h263_intra = h263_intra_kernel<Run128<OffsetSse2>>;
+    d.h263_intradc = h263_intradc_kernel<Run128<OffsetSse2>>;
     d.matrix_inter = matrix_inter;
     d.matrix_intra = matrix_intra;
 }

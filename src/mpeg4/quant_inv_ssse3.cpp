@@ -17,9 +17,9 @@ struct OffsetSsse3 {
 }  // namespace
 
 void init_quant_inv(QuantInvDsp& d) {
-    d.h263 = h263_kernel<OffsetSsse3>;
-    d.h263_intra = h263_intra_kernel<OffsetSsse3>;
-    d.h263_intradc = h263_intradc_kernel<OffsetSsse3>;
+    d.h263 = h263_kernel<Run128<OffsetSsse3>>;
+    d.h263_intra = h263_intra_kernel<Run128<OffsetSsse3>>;
+    d.h263_intradc = h263_intradc_kernel<Run128<OffsetSsse3>>;
 }
 
 }  // namespace kvt::ssse3

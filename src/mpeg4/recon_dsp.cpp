@@ -7,6 +7,7 @@ namespace kvt {
 void init_recon_dsp(ReconDsp& d, unsigned f) {
     c::init_recon(d);
     KVT_IF_TIER(f, sse2, init_recon(d));
+    KVT_IF_TIER(f, avx2, init_recon(d));
 }
 
 }  // namespace kvt

@@ -1,63 +1,7 @@
-// SSE2 H.263 / MPEG-4 prediction and reconstruction: exact byte predictions from
-// common/hpel_sse2.h, widened to 16 bits only where a residual is added.
-#include "common/hpel_sse2.h"
-#include "common/kernel.h"
-#include "mpeg4/recon_dsp.h"
+// SSE2 tier of H.263 / MPEG-4 prediction and reconstruction (kernels in recon_simd.h).
+#include "mpeg4/recon_simd.h"
 
 namespace kvt::sse2 {
-
-namespace {
-
-using namespace hpel;
-
-inline __m128i widen_lo(__m128i v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }
-inline __m128i widen_hi(__m128i v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
-
-// 16 predicted samples plus 16 residuals (two registers), saturated to 8 bits.
-inline __m128i add_residual(__m128i pred, const int16_t* lo, const int16_t* hi) {
-    return _mm_packus_epi16(_mm_adds_epi16(widen_lo(pred), simd::load(lo)),
-                            _mm_adds_epi16(widen_hi(pred), simd::load(hi)));
-}
-
-template <int n, int phase, int r>
-[[gnu::flatten]] KvtStatus copy(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
-    predict_block<n, n, recon_half_h(phase), recon_half_v(phase), r>(src, src_step, dst, dst_step);
-    return kvtStsOk;
-}
-
-// Two rows per register: residual rows y and y + 1 are 16 contiguous values.
-template <int phase, int r>
-[[gnu::flatten]] KvtStatus recon8(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
-                                  int dst_step) {
-    Predictor<8, recon_half_h(phase), recon_half_v(phase), r> pred(src, src_step);
-#pragma GCC unroll 4
-    for (int y = 0; y < 8; y += 2, res += 16, dst += 2 * intptr_t(dst_step))
-        store_unit<8>(dst, dst_step, add_residual(pred.next(), res, res + 8));
-    return kvtStsOk;
-}
-
-[[gnu::flatten]] KvtStatus recon16(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
-                                   int dst_step) {
-#pragma GCC unroll 16
-    for (int y = 0; y < 16; ++y, src += src_step, dst += dst_step) {
-        const int16_t* left = res + (y / 8) * 128 + (y % 8) * 8;
-        store16(dst, add_residual(load16(src), left, left + 64));
-    }
-    return kvtStsOk;
-}
-
-template <int n>
-[[gnu::flatten]] KvtStatus average(const uint8_t* a, int a_step, const uint8_t* b, int b_step, uint8_t* dst,
-                                   int dst_step) {
-    constexpr int rows = 16 / n;
-#pragma GCC unroll 16
-    for (int y = 0; y < n; y += rows, a += rows * intptr_t(a_step), b += rows * intptr_t(b_step),
-             dst += rows * intptr_t(dst_step))
-        store_unit<n>(dst, dst_step, _mm_avg_epu8(load_unit<n>(a, a_step), load_unit<n>(b, b_step)));
-    return kvtStsOk;
-}
-
-}  // namespace
 
 void init_recon(ReconDsp& d) {
     fill_slots(d.predict16, [](auto i) { return &copy<16, decltype(i)::value / 2, decltype(i)::value % 2>; });

@@ -10,8 +10,15 @@ namespace kvt::avx512 {
 
 namespace {
 
+constexpr int kShortRun = 12;
+
+// Short runs (the usual case in a decoder) are cheaper one by one than through the permutes.
 template <int S>
 KvtStatus compact(const int16_t* src, int len, int16_t* dst) {
+    if (len <= kShortRun) {
+        for (int i = 0; i < len; ++i) dst[kScan[S][i]] = src[i];
+        return kvtStsOk;
+    }
     const __mmask64 present = len >= 64 ? ~__mmask64(0) : (__mmask64(1) << len) - 1;
     const __m512i lo = _mm512_maskz_loadu_epi16(__mmask32(present), src);
     const __m512i hi = _mm512_maskz_loadu_epi16(__mmask32(present >> 32), src + 32);
