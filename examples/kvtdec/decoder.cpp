@@ -31,7 +31,37 @@ Decoder::Decoder(Stream& stream) : stream_(stream) {
 const char* Decoder::codec_name() const { return codec_ == Codec::Mpeg4 ? "MPEG-4 visual" : "H.263"; }
 
 bool Decoder::decode_next() {
-    return codec_ == Codec::Mpeg4 ? decode_mpeg4_until_vop() : decode_h263_picture();
+    if (codec_ == Codec::Mpeg4) return next_mpeg4_picture();
+    if (!decode_h263_picture()) return false;
+    shown_ = &frames_.newest();
+    return true;
+}
+
+// Display order: B-VOPs at once; an anchor once the next anchor has been decoded (the B-VOPs
+// between them come first), or at the end of the stream. Low-delay streams show every VOP at once.
+bool Decoder::next_mpeg4_picture() {
+    for (;;) {
+        switch (decode_mpeg4_until_vop()) {
+            case Vop::End:
+                if (!held_) return false;
+                held_ = false;
+                shown_ = &frames_.newest();
+                return true;
+            case Vop::B:
+                shown_ = &frames_.b_picture();
+                return true;
+            case Vop::Anchor:
+                if (vol_.low_delay || held_) {
+                    shown_ = vol_.low_delay ? &frames_.newest() : &frames_.older();
+                    return true;
+                }
+                held_ = true;
+                break;
+            case Vop::NotCoded:  // shown again where that can be done in order
+                if (vol_.low_delay && shown_) return true;
+                break;
+        }
+    }
 }
 
 std::string Decoder::where() const {
@@ -60,15 +90,23 @@ void Decoder::set_size(int width, int height) {
 }
 
 void Decoder::start_picture() {
-    for (MbInfo& m : mbs_) m.slice = -1;
     quant_ = pic_.quant;
     slice_ = 0;
     pending_[0].mb_x = pending_[1].mb_x = -1;
+    if (pic_.b) {  // a B-picture leaves the macroblock state of its backward reference alone
+        cur_ = &frames_.b_picture();
+        ref_ = &frames_.older();
+        bwd_ref_ = &frames_.newest();
+        return;
+    }
+    for (MbInfo& m : mbs_) m.slice = -1;
+    cur_ = &frames_.next_anchor();
+    ref_ = &frames_.newest();
 }
 
 void Decoder::finish_picture() {
     mb_x_ = mb_y_ = -1;
-    frames_.finish_picture();
+    if (!pic_.b) frames_.finish_anchor();
     ++decoded_;
 }
 

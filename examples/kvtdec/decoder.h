@@ -59,9 +59,11 @@ struct IntraBlockState {
 // Fields of the picture (H.263) or VOP (MPEG-4) header the macroblock layer uses.
 struct PictureParams {
     bool intra = true;
+    bool b = false;  // MPEG-4 B-VOP
     int quant = 1;
     int rounding = 0;          // rounding control of the half-sample predictions
     int fcode = 1;             // MPEG-4 vop_fcode_forward
+    int fcode_backward = 1;    // MPEG-4 vop_fcode_backward (B-VOPs)
     bool umv = false;          // H.263 Annex D: vectors may point outside the picture
     bool umv_plus = false;     // Annex D signalled in PLUSPTYPE: reversible difference codes, no wrap
     bool obmc = false;         // H.263 Annex F: overlapped block motion compensation
@@ -74,7 +76,9 @@ struct VolParams {
     bool valid = false;
     int width = 0;
     int height = 0;
+    int time_increment_resolution = 1;
     int time_increment_bits = 1;
+    bool low_delay = true;  // no B-VOPs: every picture is shown as soon as it is decoded
     bool mpeg_quant = false;
     Kvt8u intra_matrix[64] = {};  // raster order
     Kvt8u inter_matrix[64] = {};
@@ -96,8 +100,8 @@ public:
 
     // Decodes the next picture; false at the end of the stream.
     bool decode_next();
-    // The picture decode_next() finished (borders extended).
-    const Frame& picture() const { return frames_.reference(); }
+    // The picture decode_next() made due for display.
+    const Frame& picture() const { return *shown_; }
     int width() const { return width_; }
     int height() const { return height_; }
     const char* codec_name() const;
@@ -116,6 +120,11 @@ private:
     int width_ = 0, height_ = 0;
     int mb_cols_ = 0, mb_rows_ = 0;
     FrameStore frames_;
+    Frame* cur_ = nullptr;            // the picture being decoded
+    const Frame* ref_ = nullptr;      // its (forward) reference
+    const Frame* bwd_ref_ = nullptr;  // a B-picture's backward reference
+    const Frame* shown_ = nullptr;    // what decode_next() shows
+    bool held_ = false;               // an anchor waits for display behind the B-pictures
     void set_size(int width, int height);
 
     // Throws unless a kvtvc reader succeeded, naming what it read; a failure at the end of the
@@ -150,21 +159,29 @@ private:
     bool plus_custom_pcf_ = false, plus_umv_ = false, plus_obmc_ = false, plus_slices_ = false;
 
     // MPEG-4 header layers.
-    bool decode_mpeg4_until_vop();
+    enum class Vop { End, Anchor, B, NotCoded };
+    bool next_mpeg4_picture();
+    Vop decode_mpeg4_until_vop();
     void read_visual_object(BitReader& br);
     void read_vol(BitReader& br);
     void read_vop_header(BitReader& br, bool& coded);
-    void decode_vop();
+    Vop decode_vop();
     bool at_resync_marker() const;
     void read_video_packet_header(int mb_index);
     VolParams vol_;
     int vo_verid_ = 1;
+    // VOP times (ISO/IEC 14496-2 7.7.2.1) for direct mode: seconds of the last two anchors, the time
+    // of the last anchor, and the distances TRD (between the anchors) and TRB (past anchor to B).
+    long time_base_ = 0, last_time_base_ = 0, anchor_time_ = 0;
+    int trd_ = 0, trb_ = 0;
 
     // Macroblock layers.
     void decode_h263_mb(int x, int y);
     void read_h263_vectors(int x, int y, bool four, KvtMotionVec mv[4]);
     KvtMotionVec read_umv_plus_vector(KvtMotionVec pred);
     void decode_mpeg4_mb(int x, int y);
+    void decode_mpeg4_b_mb(int x, int y);
+    KvtMotionVec fwd_pred_ = {}, bwd_pred_ = {};  // B-VOP vector predictors
     void decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_pred);
     void reset_intra_state(int x, int y);
 
@@ -173,6 +190,8 @@ private:
     void reconstruct_inter(int x, int y, const PendingMb& work);
     void reconstruct_pending(int x);
     void predict_luma_obmc(int x, int y, int b, Kvt8u* dst);
+    void reconstruct_b(int x, int y, const KvtMotionVec fwd[4], const KvtMotionVec bwd[4], bool four,
+                       const PendingMb& work);
 };
 
 }  // namespace kvtdec

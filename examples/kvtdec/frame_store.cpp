@@ -55,9 +55,9 @@ void FrameStore::resize(int mb_cols, int mb_rows) {
     mb_rows_ = mb_rows;
 }
 
-void FrameStore::finish_picture() {
-    frames_[cur_].extend_borders();
-    cur_ = 1 - cur_;
+void FrameStore::finish_anchor() {
+    newest_ = 1 - newest_;
+    frames_[newest_].extend_borders();
 }
 
 }  // namespace kvtdec

@@ -1,6 +1,6 @@
 // Frame buffers: planar 4:2:0 pictures covering whole macroblocks, with a replicated border
 // around each plane so that motion vectors may point outside the picture (H.263 Annex D,
-// MPEG-4 unrestricted vectors), and the two-picture store of an I/P decoder.
+// MPEG-4 unrestricted vectors), and the picture store of an I/P/B decoder.
 #pragma once
 
 #include <kvtvc.h>
@@ -39,21 +39,27 @@ private:
     Kvt8u* memory_[3] = {nullptr, nullptr, nullptr};
 };
 
-// The picture being decoded and the one it predicts from.
+// The pictures of an I/P/B decoder: two anchors (I- or P-pictures), which alternate as the
+// reference, and one B-picture, which nothing predicts from.
 class FrameStore {
 public:
-    // (Re)allocates both pictures when the size in macroblocks changes.
+    // (Re)allocates the pictures when the size in macroblocks changes.
     void resize(int mb_cols, int mb_rows);
-    Frame& current() { return frames_[cur_]; }
-    const Frame& reference() const { return frames_[1 - cur_]; }
-    // The decoded picture (borders extended) becomes the reference of the next one.
-    void finish_picture();
+    // The newest anchor: the reference of the next P-picture, the backward one of a B-picture.
+    const Frame& newest() const { return frames_[newest_]; }
+    // The anchor before it: the forward reference of a B-picture.
+    const Frame& older() const { return frames_[1 - newest_]; }
+    // Where the next anchor is decoded: over the older one.
+    Frame& next_anchor() { return frames_[1 - newest_]; }
+    Frame& b_picture() { return frames_[2]; }
+    // The decoded anchor (borders extended) becomes the newest.
+    void finish_anchor();
     int mb_cols() const { return mb_cols_; }
     int mb_rows() const { return mb_rows_; }
 
 private:
-    Frame frames_[2];
-    int cur_ = 0;
+    Frame frames_[3];
+    int newest_ = 0;
     int mb_cols_ = 0;
     int mb_rows_ = 0;
 };

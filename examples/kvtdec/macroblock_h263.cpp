@@ -84,7 +84,7 @@ void Decoder::decode_h263_mb(int x, int y) {
 
     if (intra) {
         m.kind = MbKind::Intra;
-        Frame& cur = frames_.current();
+        Frame& cur = *cur_;
         for (int b = 0; b < 6; ++b) {
             const Plane& pl = cur.plane[b < 4 ? 0 : b - 3];
             Kvt8u* dst = b < 4 ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);

@@ -80,6 +80,63 @@ void Decoder::decode_mpeg4_mb(int x, int y) {
     reconstruct_inter(x, y, work);
 }
 
+// B-VOP macroblock (ISO/IEC 14496-2 6.2.6, 7.6.7-7.6.9). A macroblock not coded in the backward
+// reference is not coded here either: a forward copy. Otherwise modb ("1": direct mode without a
+// vector difference or coefficients; "01": mb_type follows; "00": mb_type and cbpb), mb_type
+// (1 direct, 01 interpolated, 001 backward, 0001 forward), dbquant, and the vectors: forward and
+// backward ones against the last of their kind in the row, or a direct-mode difference.
+void Decoder::decode_mpeg4_b_mb(int x, int y) {
+    enum Mode { kDirect, kInterpolated, kBackward, kForward };
+    const MbInfo& colocated = mb(x, y);  // the backward reference's macroblock
+    if (x == 0) fwd_pred_ = bwd_pred_ = KvtMotionVec{0, 0};
+    PendingMb& work = pending_[0];
+    work.coded = 0;
+    KvtMotionVec fwd[4] = {}, bwd[4] = {};
+    if (colocated.kind == MbKind::Skipped) return reconstruct_b(x, y, fwd, nullptr, false, work);
+
+    Kvt8u** pp = &br_.ptr;
+    int* po = &br_.offset;
+    int mode = kDirect;
+    bool has_delta = false;
+    if (!br_.read_bit()) {
+        const bool has_cbp = !br_.read_bit();
+        while (mode < 4 && !br_.read_bit()) ++mode;
+        if (mode == 4) fail("invalid mb_type code");
+        has_delta = mode == kDirect;
+        if (has_cbp) work.coded = int(br_.read(6));
+        if (mode != kDirect && work.coded && br_.read_bit())
+            quant_ = std::clamp(quant_ + (br_.read_bit() ? 2 : -2), 1, 31);
+    }
+    if (mode == kDirect) {
+        // The co-located vectors, scaled by TRB / TRD (zero for an intra macroblock).
+        const Kvt32u colocated_inter = 1;
+        if (has_delta)
+            check(
+                kvtiDecodeMV_BVOP_Direct_MPEG4(pp, po, colocated.mv, fwd, bwd, &colocated_inter, trb_, trd_),
+                "direct-mode vector");
+        else
+            check(kvtiDecodeMV_BVOP_DirectSkip_MPEG4(colocated.mv, fwd, bwd, &colocated_inter, trb_, trd_),
+                  "direct-mode vector");
+    } else if (mode == kInterpolated) {
+        check(kvtiDecodeMV_BVOP_Interpolate_MPEG4(pp, po, &fwd_pred_, &bwd_pred_, pic_.fcode,
+                                                  pic_.fcode_backward),
+              "motion vector");
+    } else if (mode == kBackward) {
+        check(kvtiDecodeMV_BVOP_Backward_MPEG4(pp, po, &bwd_pred_, pic_.fcode_backward), "motion vector");
+    } else {
+        check(kvtiDecodeMV_BVOP_Forward_MPEG4(pp, po, &fwd_pred_, pic_.fcode), "motion vector");
+    }
+    if (mode != kDirect) std::fill(fwd, fwd + 4, fwd_pred_), std::fill(bwd, bwd + 4, bwd_pred_);
+
+    const Kvt8u* matrix = vol_.mpeg_quant ? vol_.inter_matrix : nullptr;
+    for (int b = 0; b < 6; ++b)
+        if (work.coded >> (5 - b) & 1)
+            check(kvtiDecodeBlockCoef_Inter_MPEG4_1u16s(pp, po, work.residual[b], quant_, matrix),
+                  "inter block");
+    reconstruct_b(x, y, mode == kBackward ? nullptr : fwd, mode == kForward ? nullptr : bwd, mode == kDirect,
+                  work);
+}
+
 // One intra block: its left (A), above-left (B) and above (C) neighbours predict it when they are
 // intra blocks of the same video packet; the DC gradient picks the direction (7.4.3.1).
 void Decoder::decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_pred) {
@@ -114,7 +171,7 @@ void Decoder::decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_
     if (c.state) std::memcpy(row + 9, c.state->row, sizeof c.state->row);
     if (a.state) std::memcpy(col + 1, a.state->col, sizeof a.state->col);
 
-    const Plane& pl = frames_.current().plane[luma ? 0 : b - 3];
+    const Plane& pl = cur_->plane[luma ? 0 : b - 3];
     Kvt8u* dst = luma ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);
     const int thr = pic_.intra_dc_vlc_thr;
     const int dc_vlc = thr == 0 || (thr < 7 && quant_ < 11 + 2 * thr);

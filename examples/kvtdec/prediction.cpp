@@ -33,8 +33,8 @@ void predict_block(const Plane& ref, const Plane& cur, int px, int py, KvtMotion
 void Decoder::predict_skipped(int x, int y, bool was_copy) {
     mb(x, y).copy_of_reference = true;
     if (was_copy) return;
-    const Frame& ref = frames_.reference();
-    Frame& cur = frames_.current();
+    const Frame& ref = *ref_;
+    Frame& cur = *cur_;
     kvtiCopyMB_H263_8u(ref.plane[0].at(16 * x, 16 * y), cur.plane[0].at(16 * x, 16 * y), cur.plane[0].step);
     for (int p = 1; p < 3; ++p)
         kvtiCopyBlock_H263_8u(ref.plane[p].at(8 * x, 8 * y), cur.plane[p].at(8 * x, 8 * y),
@@ -43,8 +43,8 @@ void Decoder::predict_skipped(int x, int y, bool was_copy) {
 
 void Decoder::reconstruct_inter(int x, int y, const PendingMb& work) {
     const MbInfo& m = mb(x, y);
-    const Frame& ref = frames_.reference();
-    Frame& cur = frames_.current();
+    const Frame& ref = *ref_;
+    Frame& cur = *cur_;
     const Plane &ry = ref.plane[0], &cy = cur.plane[0];
     auto residual = [&](int b) { return work.coded >> (5 - b) & 1 ? work.residual[b] : nullptr; };
 
@@ -72,6 +72,57 @@ void Decoder::reconstruct_inter(int x, int y, const PendingMb& work) {
         kvtiComputeChromaMV_MPEG4(&m.mv[0], &chroma);
     for (int p = 1; p < 3; ++p)
         predict_block(ref.plane[p], cur.plane[p], 8 * x, 8 * y, chroma, residual(3 + p), pic_.rounding);
+}
+
+// A B-VOP macroblock from the forward vectors, the backward ones, or the average of both
+// predictions (a null set is not used); four vectors per macroblock in direct mode. B-VOPs round
+// half-sample averages up (rounding control 0).
+void Decoder::reconstruct_b(int x, int y, const KvtMotionVec fwd[4], const KvtMotionVec bwd[4], bool four,
+                            const PendingMb& work) {
+    alignas(16) Kvt8u backward[16 * 16];
+    alignas(4) const Kvt8u present[4] = {1, 1, 1, 1};
+    for (int p = 0; p < 3; ++p) {
+        const Plane &past = ref_->plane[p], &future = bwd_ref_->plane[p], &cur = cur_->plane[p];
+        const int blocks = p == 0 ? 4 : 1, size = p == 0 ? 16 : 8, px = size * x, py = size * y;
+        // Luminance: one 16x16 prediction or four 8x8 ones; chroma: one 8x8 from the derived vector.
+        auto predict = [&](const Plane& ref, const KvtMotionVec* mv, Kvt8u* dst, int step) {
+            if (p > 0) {
+                KvtMotionVec c;
+                if (four)
+                    kvtiComputeChroma4MV_MPEG4(mv, &c, present);
+                else
+                    kvtiComputeChromaMV_MPEG4(mv, &c);
+                c = clamp_vector(c, px, py, 8, ref);
+                kvtiCopyBlockHalfpel_MPEG4_8u(ref.at(px, py), ref.step, dst, step, &c, 0);
+            } else if (!four) {
+                const KvtMotionVec c = clamp_vector(mv[0], px, py, 16, ref);
+                kvtiCopyMBHalfpel_MPEG4_8u(ref.at(px, py), ref.step, dst, step, &c, 0);
+            } else {
+                for (int b = 0; b < blocks; ++b) {
+                    const int bx = px + 8 * (b & 1), by = py + 8 * (b >> 1);
+                    const KvtMotionVec c = clamp_vector(mv[b], bx, by, 8, ref);
+                    kvtiCopyBlockHalfpel_MPEG4_8u(ref.at(bx, by), ref.step,
+                                                  dst + 8 * (b >> 1) * step + 8 * (b & 1), step, &c, 0);
+                }
+            }
+        };
+        Kvt8u* dst = cur.at(px, py);
+        if (fwd) predict(past, fwd, dst, cur.step);
+        if (bwd && !fwd) predict(future, bwd, dst, cur.step);
+        if (bwd && fwd) {
+            predict(future, bwd, backward, size);
+            if (p == 0)
+                kvtiAverageMB_MPEG4_8u_I(backward, size, dst, cur.step);
+            else
+                kvtiAverageBlock_MPEG4_8u_I(backward, size, dst, cur.step);
+        }
+        for (int b = 0; b < blocks; ++b) {
+            const int index = p == 0 ? b : 3 + p;
+            if (work.coded >> (5 - index) & 1)
+                kvtiReconBlock_H263_I(cur.at(px + 8 * (b & 1) * (p == 0), py + 8 * (b >> 1) * (p == 0)),
+                                      work.residual[index], cur.step);
+        }
+    }
 }
 
 // Annex F: the macroblock before x is predicted once the vectors of x, its right neighbour, are
@@ -102,13 +153,13 @@ void Decoder::predict_luma_obmc(int x, int y, int b, Kvt8u* dst) {
     const KvtMotionVec left = col ? m.mv[b - 1] : remote(x - 1, y, b + 1);
     const KvtMotionVec right = col ? remote(x + 1, y, b - 1) : m.mv[b + 1];
 
-    const Plane& ref = frames_.reference().plane[0];
+    const Plane& ref = ref_->plane[0];
     const int px = 16 * x + 8 * col, py = 16 * y + 8 * row;
     const KvtMotionVec v[5] = {clamp_vector(own, px, py, 8, ref), clamp_vector(left, px, py, 8, ref),
                                clamp_vector(right, px, py, 8, ref), clamp_vector(above, px, py, 8, ref),
                                clamp_vector(below, px, py, 8, ref)};
-    kvtiOBMCHalfpel_MPEG4_8u(ref.at(px, py), ref.step, dst, frames_.current().plane[0].step, &v[0], &v[1],
-                             &v[2], &v[3], &v[4], pic_.rounding);
+    kvtiOBMCHalfpel_MPEG4_8u(ref.at(px, py), ref.step, dst, cur_->plane[0].step, &v[0], &v[1], &v[2], &v[3],
+                             &v[4], pic_.rounding);
 }
 
 }  // namespace kvtdec

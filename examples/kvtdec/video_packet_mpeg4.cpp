@@ -3,6 +3,8 @@
 // copy of the VOP header fields.
 #include "decoder.h"
 
+#include <algorithm>
+
 namespace kvtdec {
 namespace {
 
@@ -12,8 +14,11 @@ int stuffing_bits(const BitReader& br) {
     return n == 0 ? 8 : n;
 }
 
-// resync_marker: 16 zeros for I-VOPs, 15 + fcode zeros for P-VOPs, then a 1.
-int marker_bits(const PictureParams& p) { return p.intra ? 17 : 16 + p.fcode; }
+// resync_marker: 16 zeros for I-VOPs, 15 + fcode zeros for P-VOPs, 15 + the larger fcode (at least
+// 2) for B-VOPs, then a 1.
+int marker_bits(const PictureParams& p) {
+    return p.intra ? 17 : p.b ? 16 + std::max({p.fcode, p.fcode_backward, 2}) : 16 + p.fcode;
+}
 
 }  // namespace
 
@@ -26,8 +31,12 @@ bool Decoder::at_resync_marker() const {
 void Decoder::read_video_packet_header(int mb_index) {
     BitReader& br = br_;
     br.skip(stuffing_bits(br) + marker_bits(pic_));
+    // In a B-VOP the packet may start with macroblocks that have no bits (their co-located ones were
+    // not coded), so its marker stands before the first macroblock that has some.
     const int first = int(br.read(bits_to_count(mb_cols_ * mb_rows_)));
-    if (first != mb_index) fail("video packet starts at macroblock %d where %d was due", first, mb_index);
+    bool in_place = first == mb_index || (pic_.b && first < mb_index);
+    for (int i = first; in_place && i < mb_index; ++i) in_place = mbs_[size_t(i)].kind == MbKind::Skipped;
+    if (!in_place) fail("video packet starts at macroblock %d where %d was due", first, mb_index);
     quant_ = int(br.read(5));
     if (quant_ == 0) fail("quant_scale is 0 in a video packet header");
     if (br.read_bit()) {  // header_extension_code: a repeat of the VOP header fields
@@ -36,11 +45,16 @@ void Decoder::read_video_packet_header(int mb_index) {
         if (!br.read_bit()) fail("missing marker bit in a video packet header");
         br.skip(vol_.time_increment_bits);
         if (!br.read_bit()) fail("missing marker bit in a video packet header");
-        if (int(br.read(2)) != (pic_.intra ? 0 : 1)) fail("video packet header changes the VOP type");
+        if (int(br.read(2)) != (pic_.intra ? 0 : pic_.b ? 2 : 1))
+            fail("video packet header changes the VOP type");
         pic_.intra_dc_vlc_thr = int(br.read(3));
-        if (!pic_.intra && int(br.read(3)) != pic_.fcode) fail("video packet header changes vop_fcode");
+        if (!pic_.intra && int(br.read(3)) != pic_.fcode)
+            fail("video packet header changes vop_fcode_forward");
+        if (pic_.b && int(br.read(3)) != pic_.fcode_backward)
+            fail("video packet header changes vop_fcode_backward");
     }
     ++slice_;
+    fwd_pred_ = bwd_pred_ = KvtMotionVec{0, 0};
 }
 
 }  // namespace kvtdec

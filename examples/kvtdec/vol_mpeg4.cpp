@@ -46,11 +46,11 @@ void read_matrix(BitReader& br, Kvt8u matrix[64]) {
 
 }  // namespace
 
-// Reads headers until a VOP start code and decodes that VOP; false at the end of the stream.
-bool Decoder::decode_mpeg4_until_vop() {
+// Reads headers until a VOP start code and decodes that VOP.
+Decoder::Vop Decoder::decode_mpeg4_until_vop() {
     for (;;) {
         const size_t start = stream_.find_start_code(pos_);
-        if (start >= stream_.size()) return false;
+        if (start >= stream_.size()) return Vop::End;
         const int code = stream_.data()[start + 3];
         const size_t end = stream_.find_start_code(start + 4);
         pos_ = end;
@@ -59,8 +59,7 @@ bool Decoder::decode_mpeg4_until_vop() {
         if (code == kVop) {
             if (!vol_.valid) fail("VOP before any video object layer header");
             br_ = br;
-            decode_vop();
-            return true;
+            return decode_vop();
         }
         if (code >= kVolFirst && code <= kVolLast) {
             read_vol(br);
@@ -94,13 +93,14 @@ void Decoder::read_vol(BitReader& br) {
     if (br.read(4) == 15) br.skip(16);  // aspect_ratio_info, extended PAR
     if (br.read_bit()) {                // vol_control_parameters
         if (br.read(2) != 1) unsupported("chroma format other than 4:2:0");
-        br.skip(1);                      // low_delay
+        v.low_delay = br.read_bit();
         if (br.read_bit()) br.skip(79);  // vbv_parameters
     }
     if (br.read(2) != 0) unsupported("non-rectangular video object shape");
     marker(br, "VOL header");
     const int resolution = int(br.read(16));
     if (resolution == 0) fail("vop_time_increment_resolution is 0");
+    v.time_increment_resolution = resolution;
     v.time_increment_bits = bits_to_count(resolution);
     marker(br, "VOL header");
     if (br.read_bit()) br.skip(v.time_increment_bits);  // fixed_vop_rate

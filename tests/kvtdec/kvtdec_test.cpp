@@ -307,14 +307,14 @@ TEST(KvtdecMpeg4, VideoPacketNumberOutOfOrder) {
     EXPECT_EQ(d.where, "frame 0, macroblock 5 (x 2, y 1)");
 }
 
-TEST(KvtdecMpeg4, UnsupportedToolsAreNamed) {
+TEST(KvtdecMpeg4, UnsupportedToolsAndMisplacedVopsAreNamed) {
     BitWriter shape;
     shape.start_code(0x20).put("0").put(1, 8).put("0 0001 0 01");
     EXPECT_EQ(decode(shape.bytes()).error, "unsupported: non-rectangular video object shape");
     BitWriter b_vop;
     mpeg4_headers(b_vop, 16, 16, false);
     mpeg4_vop(b_vop, 2);
-    EXPECT_EQ(decode(b_vop.bytes()).error, "unsupported: MPEG-4 B-VOPs");
+    EXPECT_EQ(decode(b_vop.bytes()).error, "B-VOP in a low-delay video object layer");
     BitWriter none;
     none.put(0x12345678, 32);
     EXPECT_EQ(decode(none.bytes()).error,
