@@ -11,7 +11,7 @@
 //   video_packet_mpeg4.cpp MPEG-4 resync markers and video-packet headers
 //   macroblock_h263.cpp    H.263 macroblock layer (baseline, Annex D, Annex F)
 //   macroblock_mpeg4.cpp   MPEG-4 simple-profile macroblock layer
-//   prediction.cpp         inter prediction and reconstruction shared by both macroblock layers
+//   prediction.cpp         intra prediction state and inter prediction shared by both macroblock layers
 #pragma once
 
 #include "bitreader.h"
@@ -54,6 +54,18 @@ struct IntraBlockState {
     Kvt16s dc = 0;
     Kvt16s row[7] = {};
     Kvt16s col[7] = {};
+};
+
+// The kvtvc prediction state of one intra block about to be decoded (see kvtiDecodeBlockCoef_Intra_MPEG4_1u8u
+// and kvtiDecodeBlockCoef_AdvIntra_H263_1u8u), gathered from its neighbours, and where it goes.
+struct IntraPrediction {
+    alignas(16) Kvt16s row[16] =
+        {};  // the left block's group (its DC first), then this block's (the above one's DC, first row)
+    Kvt16s col[8] = {};  // 1..7: the left block's first column
+    int dc[3];           // reconstructed DC of the left, above-left, above block; 1024 if none
+    int quant[3];        // their macroblocks' quantizers; 0 if none
+    Kvt8u* dst;
+    int step;
 };
 
 // Fields of the picture (H.263) or VOP (MPEG-4) header the macroblock layer uses.
@@ -183,7 +195,8 @@ private:
     void decode_mpeg4_b_mb(int x, int y);
     KvtMotionVec fwd_pred_ = {}, bwd_pred_ = {};  // B-VOP vector predictors
     void decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_pred);
-    void reset_intra_state(int x, int y);
+    IntraPrediction gather_intra_prediction(int x, int y, int b);
+    void store_intra_prediction(int x, int y, int b, const IntraPrediction& ip);
 
     // Prediction and reconstruction (prediction.cpp).
     void predict_skipped(int x, int y, bool was_copy);

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
 namespace kvtdec {
 namespace {
@@ -137,55 +136,21 @@ void Decoder::decode_mpeg4_b_mb(int x, int y) {
                   work);
 }
 
-// One intra block: its left (A), above-left (B) and above (C) neighbours predict it when they are
-// intra blocks of the same video packet; the DC gradient picks the direction (7.4.3.1).
+// One intra block: the DC gradient between its left (A), above-left (B) and above (C) neighbours
+// picks the direction its DC, and with ac_pred_flag its first row or column, is predicted from
+// (ISO/IEC 14496-2 7.4.3.1); A and C lend their quantizer to the AC prediction.
 void Decoder::decode_mpeg4_intra_block(int x, int y, int b, bool coded, bool ac_pred) {
-    struct Neighbour {
-        const IntraBlockState* state;  // null when not a predictor
-        int quant;
-    };
-    // Luminance blocks sit on a grid twice as fine as the macroblocks; chroma blocks on theirs.
-    const bool luma = b < 4;
-    const int bx = luma ? 2 * x + (b & 1) : x, by = luma ? 2 * y + (b >> 1) : y;
-    auto neighbour = [&](int dx, int dy) -> Neighbour {
-        const int nx = bx + dx, ny = by + dy;
-        if (nx < 0 || ny < 0) return {nullptr, 0};
-        const int mx = luma ? nx >> 1 : nx, my = luma ? ny >> 1 : ny;
-        const MbInfo& n = mb(mx, my);
-        if (n.kind != MbKind::Intra || n.slice != slice_) return {nullptr, 0};
-        const int nb = luma ? (ny & 1) * 2 + (nx & 1) : b;
-        return {&intra_state_[(size_t(my) * mb_cols_ + mx) * 6 + nb], n.quant};
-    };
-    const Neighbour a = neighbour(-1, 0), above_left = neighbour(-1, -1), c = neighbour(0, -1);
-    const int dc_a = a.state ? a.state->dc : 1024, dc_b = above_left.state ? above_left.state->dc : 1024,
-              dc_c = c.state ? c.state->dc : 1024;
-    const int dir = std::abs(dc_a - dc_b) < std::abs(dc_b - dc_c) ? 2 : 1;
-    const Neighbour& from = dir == 2 ? c : a;
-
-    // The library's prediction state: the left block's group, then this block's group holding the
-    // block above; and the left block's first column. A negative DC: no predictor there.
-    alignas(16) Kvt16s row[16] = {};
-    Kvt16s col[8] = {};
-    row[0] = a.state ? a.state->dc : -1;
-    row[8] = c.state ? c.state->dc : -1;
-    if (c.state) std::memcpy(row + 9, c.state->row, sizeof c.state->row);
-    if (a.state) std::memcpy(col + 1, a.state->col, sizeof a.state->col);
-
-    const Plane& pl = cur_->plane[luma ? 0 : b - 3];
-    Kvt8u* dst = luma ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);
+    IntraPrediction ip = gather_intra_prediction(x, y, b);
+    const int dir = std::abs(ip.dc[0] - ip.dc[1]) < std::abs(ip.dc[1] - ip.dc[2]) ? 2 : 1;
+    const int pred_quant = dir == 2 ? ip.quant[2] : ip.quant[0];
     const int thr = pic_.intra_dc_vlc_thr;
     const int dc_vlc = thr == 0 || (thr < 7 && quant_ < 11 + 2 * thr);
-    const int pred_quant = from.state ? from.quant : quant_;
     const Kvt8u* matrix = vol_.mpeg_quant ? vol_.intra_matrix : nullptr;
     auto decode = coded ? kvtiDecodeBlockCoef_Intra_MPEG4_1u8u : kvtiDecodeBlockCoef_IntraDCOnly_MPEG4_1u8u;
-    check(decode(&br_.ptr, &br_.offset, dst, pl.step, row + 8, col, quant_, pred_quant, dir, ac_pred, b,
-                 dc_vlc, matrix),
+    check(decode(&br_.ptr, &br_.offset, ip.dst, ip.step, ip.row + 8, ip.col, quant_,
+                 pred_quant ? pred_quant : quant_, dir, ac_pred, b, dc_vlc, matrix),
           "intra block");
-
-    IntraBlockState& s = intra_state_[(size_t(y) * mb_cols_ + x) * 6 + b];
-    s.dc = row[8];
-    std::memcpy(s.row, row + 9, sizeof s.row);
-    std::memcpy(s.col, col + 1, sizeof s.col);
+    store_intra_prediction(x, y, b, ip);
 }
 
 }  // namespace kvtdec

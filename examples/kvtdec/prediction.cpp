@@ -1,9 +1,11 @@
-// Inter prediction and reconstruction of one macroblock, shared by the H.263 and MPEG-4
-// macroblock layers: half-sample prediction at each block's vector, H.263 Annex F overlapped
-// prediction, and the residual added with saturation.
+// Prediction shared by the H.263 and MPEG-4 macroblock layers: the intra prediction state of
+// MPEG-4 AC/DC prediction and H.263 Annex I, and the inter prediction and reconstruction of one
+// macroblock (half-sample prediction at each block's vector, H.263 Annex F overlapped prediction,
+// B-VOP averages, the residual added with saturation).
 #include "decoder.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace kvtdec {
 namespace {
@@ -29,6 +31,45 @@ void predict_block(const Plane& ref, const Plane& cur, int px, int py, KvtMotion
 }
 
 }  // namespace
+
+// The library's state for one intra block, from its left, above-left and above neighbours where
+// they are intra blocks of the same video packet, GOB or slice. Luminance blocks sit on a grid twice
+// as fine as the macroblocks; chroma blocks on theirs.
+IntraPrediction Decoder::gather_intra_prediction(int x, int y, int b) {
+    IntraPrediction ip;
+    const bool luma = b < 4;
+    const int bx = luma ? 2 * x + (b & 1) : x, by = luma ? 2 * y + (b >> 1) : y;
+    const IntraBlockState* state[3] = {};  // left, above-left, above
+    static const int kOffsets[3][2] = {{-1, 0}, {-1, -1}, {0, -1}};
+    for (int i = 0; i < 3; ++i) {
+        const int nx = bx + kOffsets[i][0], ny = by + kOffsets[i][1];
+        ip.dc[i] = 1024;
+        ip.quant[i] = 0;
+        if (nx < 0 || ny < 0) continue;
+        const int mx = luma ? nx >> 1 : nx, my = luma ? ny >> 1 : ny;
+        const MbInfo& n = mb(mx, my);
+        if (n.kind != MbKind::Intra || n.slice != slice_) continue;
+        state[i] = &intra_state_[(size_t(my) * mb_cols_ + mx) * 6 + (luma ? (ny & 1) * 2 + (nx & 1) : b)];
+        ip.dc[i] = state[i]->dc;
+        ip.quant[i] = n.quant;
+    }
+    ip.row[0] = state[0] ? state[0]->dc : -1;
+    ip.row[8] = state[2] ? state[2]->dc : -1;
+    if (state[2]) std::memcpy(ip.row + 9, state[2]->row, sizeof state[2]->row);
+    if (state[0]) std::memcpy(ip.col + 1, state[0]->col, sizeof state[0]->col);
+    const Plane& pl = cur_->plane[luma ? 0 : b - 3];
+    ip.dst = luma ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);
+    ip.step = pl.step;
+    return ip;
+}
+
+// What the library left in the state: the block's reconstructed DC, first row and first column.
+void Decoder::store_intra_prediction(int x, int y, int b, const IntraPrediction& ip) {
+    IntraBlockState& s = intra_state_[(size_t(y) * mb_cols_ + x) * 6 + b];
+    s.dc = ip.row[8];
+    std::memcpy(s.row, ip.row + 9, sizeof s.row);
+    std::memcpy(s.col, ip.col + 1, sizeof s.col);
+}
 
 void Decoder::predict_skipped(int x, int y, bool was_copy) {
     mb(x, y).copy_of_reference = true;
