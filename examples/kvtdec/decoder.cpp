@@ -74,6 +74,9 @@ std::string Decoder::where() const {
 void Decoder::report_bad_code(KvtStatus status, const char* what) const {
     // The zero padding after the data is no valid code, so a stream cut short fails on it.
     if (br_.bits_left() < 32) fail("the coded data ends inside this macroblock");
+    if (pic_.mq)  // the library's H.263 readers stop at levels of +-127
+        fail("invalid %s (status %d); Annex T coefficients beyond +-127 are not supported", what,
+             int(status));
     fail("invalid %s (status %d)", what, int(status));
 }
 

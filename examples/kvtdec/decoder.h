@@ -9,7 +9,7 @@
 //   vol_mpeg4.cpp          MPEG-4 VOS, VO and VOL headers and the start-code dispatch
 //   vop_mpeg4.cpp          MPEG-4 VOP header and the VOP's macroblock loop
 //   video_packet_mpeg4.cpp MPEG-4 resync markers and video-packet headers
-//   macroblock_h263.cpp    H.263 macroblock layer (baseline, Annex D, Annex F)
+//   macroblock_h263.cpp    H.263 macroblock layer (baseline, Annexes D, F, I, T)
 //   macroblock_mpeg4.cpp   MPEG-4 simple-profile macroblock layer
 //   prediction.cpp         intra prediction state and inter prediction shared by both macroblock layers
 #pragma once
@@ -80,6 +80,8 @@ struct PictureParams {
     bool umv_plus = false;     // Annex D signalled in PLUSPTYPE: reversible difference codes, no wrap
     bool obmc = false;         // H.263 Annex F: overlapped block motion compensation
     bool slices = false;       // H.263 Annex K: slices instead of GOBs
+    bool aic = false;          // H.263 Annex I: advanced intra coding
+    bool mq = false;           // H.263 Annex T: modified quantization
     int intra_dc_vlc_thr = 0;  // MPEG-4: quantizers at or above 11 + 2 * thr code the DC as AC
 };
 
@@ -169,6 +171,7 @@ private:
     int gob_rows_ = 1;
     int plus_format_ = 0;  // PLUSPTYPE source format and options, kept while UFEP is 0
     bool plus_custom_pcf_ = false, plus_umv_ = false, plus_obmc_ = false, plus_slices_ = false;
+    bool plus_aic_ = false, plus_mq_ = false;
 
     // MPEG-4 header layers.
     enum class Vop { End, Anchor, B, NotCoded };
@@ -190,6 +193,7 @@ private:
     // Macroblock layers.
     void decode_h263_mb(int x, int y);
     void read_h263_vectors(int x, int y, bool four, KvtMotionVec mv[4]);
+    void read_dquant();
     KvtMotionVec read_umv_plus_vector(KvtMotionVec pred);
     void decode_mpeg4_mb(int x, int y);
     void decode_mpeg4_b_mb(int x, int y);

@@ -1,6 +1,7 @@
-// H.263 macroblock layer (ITU-T H.263 5.3): COD, MCBPC, CBPY, DQUANT, the vector differences and
-// the blocks, for baseline pictures, Annex D vectors in their PLUSPTYPE form and Annex F (four
-// vectors, overlapped prediction).
+// H.263 macroblock layer (ITU-T H.263 5.3): COD, MCBPC, INTRA_MODE, CBPY, DQUANT, the vector
+// differences and the blocks, for baseline pictures, Annex D vectors in their PLUSPTYPE form,
+// Annex F (four vectors, overlapped prediction), Annex I (advanced intra coding) and Annex T
+// (modified quantization, without its extended coefficient range).
 #include "decoder.h"
 
 #include <algorithm>
@@ -10,6 +11,10 @@ namespace {
 
 // DQUANT (H.263 Table 12): 00 -1, 01 -2, 10 +1, 11 +2.
 constexpr int kDquant[4] = {-1, -2, 1, 2};
+
+// Chroma quantizer by luminance quantizer in the modified quantization mode (H.263 Table T.1).
+constexpr Kvt8u kChromaQuantMq[32] = {0,  1,  2,  3,  4,  5,  6,  6,  7,  8,  9,  9,  10, 10, 11, 11,
+                                      12, 12, 12, 13, 13, 13, 14, 14, 14, 14, 14, 15, 15, 15, 15, 15};
 
 // MCBPC codes of type INTER4V+Q (H.263 Table 8, indices 21-24), which the library's reader leaves
 // to its caller: 0000 0000 010 for CBPC 00, then 0000 0000 0110 0, 0111 0 and 0111 1.
@@ -75,21 +80,33 @@ void Decoder::decode_h263_mb(int x, int y) {
     }
     const int type = mcbpc & 7;
     const bool intra = type == 3 || type == 4;
+    int intra_mode = 0;  // Annex I INTRA_MODE: 0 DC only, 10 from above, 11 from the left
+    if (intra && pic_.aic) intra_mode = br_.read_bit() ? 1 + int(br_.read(1)) : 0;
     Kvt8u cbpy = 0;
     check(kvtiDecodeCBPY_H263(pp, po, &cbpy), "CBPY code");
     if (intra) cbpy = Kvt8u(15 - cbpy);
-    if (type == 1 || type == 4 || type == 5) quant_ = std::clamp(quant_ + kDquant[br_.read(2)], 1, 31);
+    if (type == 1 || type == 4 || type == 5) read_dquant();
     m.quant = Kvt8u(quant_);
+    const int chroma_quant = pic_.mq ? kChromaQuantMq[quant_] : quant_;
     const int coded = cbpy << 2 | mcbpc >> 4;  // bit 5 - b: block b has coefficients
 
     if (intra) {
         m.kind = MbKind::Intra;
-        Frame& cur = *cur_;
         for (int b = 0; b < 6; ++b) {
-            const Plane& pl = cur.plane[b < 4 ? 0 : b - 3];
+            const int q = b < 4 ? quant_ : chroma_quant;
+            const bool has_coefficients = coded >> (5 - b) & 1;
+            if (pic_.aic) {
+                IntraPrediction ip = gather_intra_prediction(x, y, b);
+                check(kvtiDecodeBlockCoef_AdvIntra_H263_1u8u(pp, po, ip.dst, ip.step, ip.row + 8, ip.col, q,
+                                                             intra_mode + 1, has_coefficients),
+                      "advanced intra block");
+                store_intra_prediction(x, y, b, ip);
+                continue;
+            }
+            const Plane& pl = cur_->plane[b < 4 ? 0 : b - 3];
             Kvt8u* dst = b < 4 ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);
-            if (coded >> (5 - b) & 1)
-                check(kvtiDecodeBlockCoef_Intra_H263_1u8u(pp, po, dst, pl.step, quant_), "intra block");
+            if (has_coefficients)
+                check(kvtiDecodeBlockCoef_Intra_H263_1u8u(pp, po, dst, pl.step, q), "intra block");
             else
                 check(kvtiDecodeBlockCoef_IntraDCOnly_H263_1u8u(pp, po, dst, pl.step), "INTRADC");
         }
@@ -105,11 +122,26 @@ void Decoder::decode_h263_mb(int x, int y) {
     work.coded = coded;
     for (int b = 0; b < 6; ++b)
         if (coded >> (5 - b) & 1)
-            check(kvtiDecodeBlockCoef_Inter_H263_1u16s(pp, po, work.residual[b], quant_), "inter block");
+            check(
+                kvtiDecodeBlockCoef_Inter_H263_1u16s(pp, po, work.residual[b], b < 4 ? quant_ : chroma_quant),
+                "inter block");
     if (pic_.obmc)
         reconstruct_pending(x);
     else
         reconstruct_inter(x, y, work);
+}
+
+// DQUANT: two bits in baseline; in the modified quantization mode (Annex T.2) 1x for a change by
+// the table of the current quantizer, 0xxxxx for a new quantizer.
+void Decoder::read_dquant() {
+    if (!pic_.mq) {
+        quant_ = std::clamp(quant_ + kDquant[br_.read(2)], 1, 31);
+        return;
+    }
+    Kvt32u q = Kvt32u(quant_);
+    check(kvtiUpdateQuant_MQ_H263_1u32s_I(&br_.ptr, &br_.offset, &q), "DQUANT");
+    if (q < 1 || q > 31) fail("DQUANT gives quantizer %d", int(q));
+    quant_ = int(q);
 }
 
 // Vectors of one macroblock against the median of the candidates of H.263 6.1.1 and Annex F.2:

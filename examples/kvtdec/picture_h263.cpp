@@ -79,7 +79,7 @@ void Decoder::read_h263_picture_header(BitReader& br) {
 }
 
 // PLUSPTYPE and the fields it announces (H.263 5.1.4 to 5.1.19), as far as a decoder of I- and
-// P-pictures without the optional modes of Annexes E, G, I-K, M-T needs them.
+// P-pictures with Annexes D, F, I, K and T needs them.
 void Decoder::read_plusptype(BitReader& br, int& format) {
     const int ufep = int(br.read(3));
     if (ufep > 1) fail("invalid UFEP %d", ufep);
@@ -90,14 +90,13 @@ void Decoder::read_plusptype(BitReader& br, int& format) {
         plus_umv_ = br.read_bit();
         if (br.read_bit()) unsupported("H.263 Annex E (syntax-based arithmetic coding)");
         plus_obmc_ = br.read_bit();
-        if (br.read_bit()) unsupported("H.263 Annex I (advanced intra coding)");
+        plus_aic_ = br.read_bit();
         if (br.read_bit()) unsupported("H.263 Annex J (deblocking filter)");
         plus_slices_ = br.read_bit();
-        static const char* const kAnnexes[] = {
-            "H.263 Annex N (reference picture selection)", "H.263 Annex R (independent segment decoding)",
-            "H.263 Annex S (alternative inter VLC)", "H.263 Annex T (modified quantization)"};
-        for (const char* annex : kAnnexes)
-            if (br.read_bit()) unsupported(annex);
+        if (br.read_bit()) unsupported("H.263 Annex N (reference picture selection)");
+        if (br.read_bit()) unsupported("H.263 Annex R (independent segment decoding)");
+        if (br.read_bit()) unsupported("H.263 Annex S (alternative inter VLC)");
+        plus_mq_ = br.read_bit();
         if (br.read(4) != 8) fail("OPPTYPE bits 15-18 are not 1 0 0 0");
         plus_format_ = format;
     } else {
@@ -134,6 +133,8 @@ void Decoder::read_plusptype(BitReader& br, int& format) {
         unsupported("H.263 Annex K rectangular slices or arbitrary slice order");
     pic_.umv = pic_.umv_plus = plus_umv_;
     pic_.slices = plus_slices_;
+    pic_.aic = plus_aic_;
+    pic_.mq = plus_mq_;
     pic_.obmc = plus_obmc_;
     pic_.quant = int(br.read(5));
 }

@@ -126,6 +126,9 @@ run_case h263p-obmc  h263p  352x288   mandelbrot 12     inter  -q:v 3 -obmc 1 -f
 run_case h263p-sl    h263p  320x240   noise      10     inter  -q:v 16 -g 12 -ps 300
 run_case h263p-720p  h263p  1280x720  testsrc2   6      inter  -q:v 7 -umv 1 -ps 1200
 run_case h263p-i     h263p  100x84    mandelbrot 6      intra  -q:v 2 -g 1
+run_case h263p-aic1  h263p  176x144   testsrc2   6      intra  -q:v 10 -flags +aic -g 1
+run_case h263p-aic2  h263p  352x288   mandelbrot 14     inter  -q:v 8 -flags +aic -g 12 -ps 400
+run_case h263p-aic3  h263p  320x240   testsrc2   14     inter  -q:v 24 -flags +aic+mv4 -obmc 1 -umv 1
 run_case mpeg4-i1    mpeg4  128x96    testsrc2   8      intra  -q:v 2 -g 1
 run_case mpeg4-i2    mpeg4  174x138   mandelbrot 8      intra  -q:v 31 -g 1
 run_case mpeg4-i3    mpeg4  352x288   noise      6      intra  -q:v 6 -g 1 -mpeg_quant 1

@@ -191,12 +191,10 @@ TEST(KvtdecH263, PlusptypeCustomFormat) {
 
 TEST(KvtdecH263, PlusptypeModesWithoutSupportAreNamed) {
     const std::pair<int, const char*> cases[] = {{6, "H.263 Annex E (syntax-based arithmetic coding)"},
-                                                 {8, "H.263 Annex I (advanced intra coding)"},
                                                  {9, "H.263 Annex J (deblocking filter)"},
                                                  {11, "H.263 Annex N (reference picture selection)"},
                                                  {12, "H.263 Annex R (independent segment decoding)"},
-                                                 {13, "H.263 Annex S (alternative inter VLC)"},
-                                                 {14, "H.263 Annex T (modified quantization)"}};
+                                                 {13, "H.263 Annex S (alternative inter VLC)"}};
     for (const auto& c : cases) {
         BitWriter w;
         h263_plus_header(w, 64, 48, c.first);
