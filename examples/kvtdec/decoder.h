@@ -1,9 +1,10 @@
-// kvtdec: an H.263 and MPEG-4 visual (simple profile) decoder built on kvtvc.
+// kvtdec: an H.263 and MPEG-4 visual (simple profile, and B-VOPs) decoder built on kvtvc.
 //
 // The decoder parses the picture, GOB, video-packet and macroblock layers itself and hands every
 // block-level job to the library: header codes, motion vectors, coefficient decoding with AC/DC
 // prediction, inverse quantization and inverse DCT, half-sample and overlapped prediction,
-// reconstruction and border expansion. Its member functions are defined one file per layer:
+// reconstruction and border expansion. Its member functions are defined one file per layer
+// (decoder.cpp holds the top level: stream recognition, display order, error context):
 //   picture_h263.cpp       H.263 picture header (with PLUSPTYPE) and the picture's GOB loop
 //   gob_h263.cpp           H.263 GOB and slice (Annex K) headers
 //   vol_mpeg4.cpp          MPEG-4 VOS, VO and VOL headers and the start-code dispatch
@@ -42,25 +43,25 @@ struct MbInfo {
     MbKind kind = MbKind::Skipped;
     uint8_t quant = 0;
     int slice = -1;  // GOB or video packet it belongs to; -1 while not decoded in this picture
-    // Its samples are a plain copy of the reference's. The two pictures of the store alternate, so
-    // when this holds for the previous picture and the macroblock is skipped again, the picture
-    // being decoded already holds the samples to copy.
+    // Its samples are a plain copy of the reference's. The two anchor pictures alternate, so when
+    // this holds for the previous anchor and the macroblock is skipped again, the picture being
+    // decoded already holds the samples to copy.
     bool copy_of_reference = false;
 };
 
-// MPEG-4 intra prediction state of one 8x8 block once decoded (ISO/IEC 14496-2 7.4.3): its
-// reconstructed DC and its first row and first column of quantized AC coefficients.
+// Intra prediction state of one 8x8 block once decoded (MPEG-4 AC/DC prediction, ISO/IEC 14496-2
+// 7.4.3; H.263 Annex I): its reconstructed DC and its first row and column of quantized AC levels.
 struct IntraBlockState {
     Kvt16s dc = 0;
     Kvt16s row[7] = {};
     Kvt16s col[7] = {};
 };
 
-// The kvtvc prediction state of one intra block about to be decoded (see kvtiDecodeBlockCoef_Intra_MPEG4_1u8u
-// and kvtiDecodeBlockCoef_AdvIntra_H263_1u8u), gathered from its neighbours, and where it goes.
+// The kvtvc prediction state of one intra block about to be decoded (see the MPEG-4 intra and the
+// H.263 advanced-intra block decoders), gathered from its neighbours, and where the block goes.
 struct IntraPrediction {
-    alignas(16) Kvt16s row[16] =
-        {};  // the left block's group (its DC first), then this block's (the above one's DC, first row)
+    // The left block's group (its DC first), then this block's (the DC and first row above it).
+    alignas(16) Kvt16s row[16] = {};
     Kvt16s col[8] = {};  // 1..7: the left block's first column
     int dc[3];           // reconstructed DC of the left, above-left, above block; 1024 if none
     int quant[3];        // their macroblocks' quantizers; 0 if none
