@@ -28,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     bytes.insert(bytes.end(), data + 1, data + size);
     kvtdec::Stream stream(std::move(bytes));
     try {
-        kvtdec::Decoder decoder(stream);
+        kvtdec::Decoder decoder(stream, 256);  // small pictures keep the runs fast
         for (int frames = 0; frames < 4 && decoder.decode_next(); ++frames) {
         }
     } catch (const kvtdec::DecodeError&) {

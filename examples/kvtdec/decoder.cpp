@@ -15,7 +15,7 @@ void fail(const char* format, ...) {
     throw DecodeError(text);
 }
 
-Decoder::Decoder(Stream& stream) : stream_(stream) {
+Decoder::Decoder(Stream& stream, int max_size) : stream_(stream), max_size_(max_size) {
     // MPEG-4 streams open with a 00 00 01 start code, H.263 ones (and MPEG-4 short-header ones)
     // with a picture start code; whichever comes first decides.
     const size_t mpeg4 = stream_.find_start_code(0);
@@ -81,7 +81,8 @@ void Decoder::report_bad_code(KvtStatus status, const char* what) const {
 }
 
 void Decoder::set_size(int width, int height) {
-    if (width > 4096 || height > 4096) fail("picture size %dx%d is larger than 4096x4096", width, height);
+    if (width > max_size_ || height > max_size_)
+        fail("picture size %dx%d is larger than %dx%d", width, height, max_size_, max_size_);
     if (width == width_ && height == height_) return;
     width_ = width;
     height_ = height;

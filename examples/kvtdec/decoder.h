@@ -110,8 +110,9 @@ struct PendingMb {
 
 class Decoder {
 public:
-    // Recognises the stream by its first start code; throws DecodeError when it has none.
-    explicit Decoder(Stream& stream);
+    // Recognises the stream by its first start code; throws DecodeError when it has none. Pictures
+    // wider or taller than max_size are refused.
+    explicit Decoder(Stream& stream, int max_size = 4096);
 
     // Decodes the next picture; false at the end of the stream.
     bool decode_next();
@@ -134,6 +135,7 @@ private:
     // Sizes and pictures.
     int width_ = 0, height_ = 0;
     int mb_cols_ = 0, mb_rows_ = 0;
+    int max_size_;
     FrameStore frames_;
     Frame* cur_ = nullptr;            // the picture being decoded
     const Frame* ref_ = nullptr;      // its (forward) reference
