@@ -1,9 +1,9 @@
 // SSE2 squared-difference kernels: byte predictions, |difference| in bytes, squares by PMADDWD.
+#include "common/kernel.h"
 #include "me/halfpel_sse2.h"
-#include "me/phase.h"
-#include "me/sqrdiff_kernels.h"
+#include "me/me_dsp.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
@@ -21,61 +21,33 @@ int32_t sqrdiff_rows(const uint8_t* cur, int cur_step, Pred&& next) {
 }
 
 template <int type, bool aligned>
-void sqrdiff16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum) {
+KvtStatus sqrdiff16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum) {
     FixedRows<type, 16> pred(ref, ref_step);
     *sum = sqrdiff_rows<aligned>(cur, cur_step, [&] { return pred.next(); });
+    return kvtStsOk;
 }
 
 // PAVGB of the two fixed-rounding predictions is exactly (F + B + 1) >> 1.
 template <int tf, int tb, bool aligned>
-void sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
-                int bwd_step, int32_t* sum) {
+KvtStatus sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
+                     int bwd_step, int32_t* sum) {
     FixedRows<tf, 16> pf(fwd, fwd_step);
     FixedRows<tb, 16> pb(bwd, bwd_step);
     *sum = sqrdiff_rows<aligned>(cur, cur_step, [&] { return _mm_avg_epu8(pf.next(), pb.next()); });
+    return kvtStsOk;
 }
+
+template <bool aligned>
+constexpr auto sqrdiff16b_at =
+    [](auto i) { return sqrdiff16b<decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4, aligned>; };
 
 }  // namespace
 
-template <int type>
-KvtStatus sqrdiff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                             int32_t* sum) {
-    sqrdiff16<type, false>(cur, cur_step, ref, ref_step, sum);
-    return kvtStsOk;
+void init_sqrdiff(MeDsp& d) {
+    fill_slots(d.sqrdiff16, [](auto p) { return sqrdiff16<decltype(p)::value * 4, false>; });
+    fill_slots(d.sqrdiff16_a16, [](auto p) { return sqrdiff16<decltype(p)::value * 4, true>; });
+    fill_slots(d.sqrdiff16b, sqrdiff16b_at<false>);
+    fill_slots(d.sqrdiff16b_a16, sqrdiff16b_at<true>);
 }
 
-template <int type>
-KvtStatus sqrdiff_16x16_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                                 int32_t* sum) {
-    sqrdiff16<type, true>(cur, cur_step, ref, ref_step, sum);
-    return kvtStsOk;
-}
-
-template <int tf, int tb>
-KvtStatus sqrdiff_16x16b_sse2(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
-                              const uint8_t* bwd, int bwd_step, int32_t* sum) {
-    sqrdiff16b<tf, tb, false>(cur, cur_step, fwd, fwd_step, bwd, bwd_step, sum);
-    return kvtStsOk;
-}
-
-template <int tf, int tb>
-KvtStatus sqrdiff_16x16b_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
-                                  const uint8_t* bwd, int bwd_step, int32_t* sum) {
-    sqrdiff16b<tf, tb, true>(cur, cur_step, fwd, fwd_step, bwd, bwd_step, sum);
-    return kvtStsOk;
-}
-
-#define KVT_INSTANTIATE(t)                                                                        \
-    template KvtStatus sqrdiff_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*); \
-    template KvtStatus sqrdiff_16x16_a16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
-#define KVT_INSTANTIATE_B(f, b)                                                                            \
-    template KvtStatus sqrdiff_16x16b_sse2<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, \
-                                                 int, int32_t*);                                           \
-    template KvtStatus sqrdiff_16x16b_a16_sse2<f, b>(const uint8_t*, int, const uint8_t*, int,             \
-                                                     const uint8_t*, int, int32_t*);
-KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
-KVT_FOR_EACH_PHASE_PAIR(KVT_INSTANTIATE_B)
-#undef KVT_INSTANTIATE
-#undef KVT_INSTANTIATE_B
-
-}  // namespace kvt
+}  // namespace kvt::sse2
