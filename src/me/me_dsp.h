@@ -48,11 +48,8 @@ enum ResidualSize { k16x16, k16x8, k8x16, k8x8, k8x4, kResidualSizes };
 
 struct MeDsp {
     SqrDiffFn sqrdiff16[4];
-    SqrDiffFn sqrdiff16_a16[4];  // the current block's pointer and step are multiples of 16
     SqrDiffBFn sqrdiff16b[16];
-    SqrDiffBFn sqrdiff16b_a16[16];
     VarianceFn variance16;
-    VarianceFn variance16_a16;
     VarMeanFn varmean8x8;
     VarMean16sFn varmean8x8_16s;
     VarMeanDiffFn varmeandiff16x16[4];
@@ -80,6 +77,10 @@ void init_variance(MeDsp& d);
 void init_residual(MeDsp& d);
 void init_texture_error(MeDsp& d);
 void init_edges(MeDsp& d);
+// The whole oracle table, for tests and benchmarks.
+inline void init_me(MeDsp& d) {
+    init_sqrdiff(d), init_variance(d), init_residual(d), init_texture_error(d), init_edges(d);
+}
 }  // namespace ref
 namespace sse2 {
 void init_sqrdiff(MeDsp& d);

@@ -10,10 +10,7 @@ KvtStatus kvtiSqrDiff16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt
                                  int mcType, Kvt32s* pSqrDiff) {
     if (!pSrcCur || !pSrcRef || !pSqrDiff) return kvtStsNullPointer;
     if (!is_phase_code(mcType)) return kvtStsOk;
-    const int phase = mcType >> 2;
-    if (aligned16(pSrcCur, srcCurStep))
-        return me_dsp.sqrdiff16_a16[phase](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
-    return me_dsp.sqrdiff16[phase](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
+    return me_dsp.sqrdiff16[mcType >> 2](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pSqrDiff);
 }
 
 // Each type contributes only its bits 8 and 4; with neither set the prediction is the sample
@@ -23,7 +20,6 @@ KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kv
                                   int mcTypeB, Kvt32s* pSqrDiff) {
     if (!pSrcCur || !pSrcRefF || !pSrcRefB || !pSqrDiff) return kvtStsNullPointer;
     const int pair = ((mcTypeF & kMcPhaseBits) >> 2) | (mcTypeB & kMcPhaseBits);
-    const SqrDiffBFn k =
-        aligned16(pSrcCur, srcCurStep) ? me_dsp.sqrdiff16b_a16[pair] : me_dsp.sqrdiff16b[pair];
-    return k(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB, pSqrDiff);
+    return me_dsp.sqrdiff16b[pair](pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB,
+                                   pSqrDiff);
 }

@@ -48,10 +48,7 @@ KvtStatus sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int f
 
 void init_sqrdiff(MeDsp& d) {
     fill_slots(d.sqrdiff16, [](auto p) { return sqrdiff16<decltype(p)::value * 4>; });
-    fill_slots(d.sqrdiff16_a16, [](auto p) { return sqrdiff16<decltype(p)::value * 4>; });
     fill_slots(d.sqrdiff16b,
-               [](auto i) { return sqrdiff16b<decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4>; });
-    fill_slots(d.sqrdiff16b_a16,
                [](auto i) { return sqrdiff16b<decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4>; });
 }
 

@@ -7,7 +7,6 @@ using namespace kvt;
 
 KvtStatus kvtiVariance16x16_8u32s(const Kvt8u* pSrc, int srcStep, Kvt32s* pVar) {
     if (!pSrc || !pVar) return kvtStsNullPointer;
-    if (aligned16(pSrc, srcStep)) return me_dsp.variance16_a16(pSrc, srcStep, pVar);
     return me_dsp.variance16(pSrc, srcStep, pVar);
 }
 

@@ -89,7 +89,7 @@ KvtStatus mean_abs_dev16(const uint8_t* src, int step, int32_t* dev) {
 }  // namespace
 
 void init_variance(MeDsp& d) {
-    d.variance16 = d.variance16_a16 = variance16;
+    d.variance16 = variance16;
     d.varmean8x8 = varmean8x8;
     d.varmean8x8_16s = varmean8x8_16s;
     fill_slots(d.varmeandiff16x16, [](auto p) { return varmeandiff<16, decltype(p)::value * 4>; });

@@ -45,13 +45,12 @@ KvtStatus varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int 
     return kvtStsOk;
 }
 
-template <bool aligned>
 KvtStatus variance16(const uint8_t* src, int step, int32_t* var) {
     RowSums even, odd;
 #pragma GCC unroll 4
     for (int y = 0; y < 16; y += 2, src += 2 * intptr_t(step)) {
-        even.add(load_cur<aligned>(src));
-        odd.add(load_cur<aligned>(src + step));
+        even.add(load(src));
+        odd.add(load(src + step));
     }
     const uint32_t s = uint32_t(hsum_sad(_mm_add_epi64(even.s, odd.s)));
     const uint32_t q = uint32_t(hsum_epi32(_mm_add_epi32(even.q, odd.q)));
@@ -102,8 +101,7 @@ KvtStatus mean_abs_dev16(const uint8_t* src, int step, int32_t* dev) {
 }  // namespace
 
 void init_variance(MeDsp& d) {
-    d.variance16 = variance16<false>;
-    d.variance16_a16 = variance16<true>;
+    d.variance16 = variance16;
     d.varmean8x8 = varmean8x8;
     d.varmean8x8_16s = varmean8x8_16s;
     fill_slots(d.varmeandiff16x16, [](auto p) { return varmeandiff<16, decltype(p)::value * 4>; });
