@@ -22,7 +22,9 @@ using namespace kvt::test;
 using Vecs = std::array<KvtMotionVec, 4>;
 
 static bool operator==(KvtMotionVec a, KvtMotionVec b) { return a.dx == b.dx && a.dy == b.dy; }
-static std::ostream& operator<<(std::ostream& o, KvtMotionVec v) { return o << '(' << v.dx << ',' << v.dy << ')'; }
+static std::ostream& operator<<(std::ostream& o, KvtMotionVec v) {
+    return o << '(' << v.dx << ',' << v.dy << ')';
+}
 
 namespace {
 
