@@ -410,6 +410,27 @@ KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt
                                              Kvt8u countThreshold, Kvt8u* pRes);
 
 /* ---- 8x8 DCT family (MPEG-1/2, H.263, MPEG-4). IEEE Std 1180 accuracy. ---- */
+/* Blocks are 64 signed 16-bit values in raster order (index 8 x row + column); the scaling is the
+ * orthonormal 2-D DCT (forward DC = sum / 8, no level shift). The inverse transforms meet IEEE Std
+ * 1180-1990 for coefficients in -2048..2047; the reduced forms give the full form's result bit for
+ * bit when only the top-left 4x4 (2x2) coefficients are nonzero and ignore the others. The forward
+ * transforms are within 1 of the rounded exact DCT for inputs of magnitude up to 723 (larger ones
+ * saturate). Results are the same on every processor. Null pointers: -8; a step below its minimum:
+ * -14 (-82 for kvtiDCTInv_8x8_16s8u). Pixel rows are written top to bottom. */
+/* Inverse DCT in place, results saturated to -32768..32767. */
+KVTAPI KvtStatus kvtiDCT8x8Inv_16s_C1I(Kvt16s* pSrcDst);
+/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 4x4 coefficients are nonzero (the others are ignored). */
+KVTAPI KvtStatus kvtiDCT8x8Inv_4x4_16s_C1I(Kvt16s* pSrcDst);
+/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 2x2 coefficients are nonzero (the others are ignored). */
+KVTAPI KvtStatus kvtiDCT8x8Inv_2x2_16s_C1I(Kvt16s* pSrcDst);
+/* Inverse DCT of pSrc to 8x8 pixels saturated to 0..255, rows dstStep bytes apart (dstStep >= 1). */
+KVTAPI KvtStatus kvtiDCT8x8Inv_16s8u_C1R(const Kvt16s* pSrc, Kvt8u* pDst, int dstStep);
+/* Forward DCT in place. */
+KVTAPI KvtStatus kvtiDCT8x8Fwd_16s_C1I(Kvt16s* pSrcDst);
+/* Forward DCT of 8x8 pixels, rows srcStep bytes apart (srcStep >= 1), into 64 coefficients. */
+KVTAPI KvtStatus kvtiDCT8x8Fwd_8u16s_C1R(const Kvt8u* pSrc, int srcStep, Kvt16s* pDst);
+/* H.263 form of kvtiDCT8x8Inv_16s8u_C1R: the step must be at least 8 (-82). */
+KVTAPI KvtStatus kvtiDCTInv_8x8_16s8u(const Kvt16s* pSrc, Kvt8u* pDst, int dstStep);
 
 /* (end of section) */
 
