@@ -1,5 +1,5 @@
 // The exported mask tables, the byte-cursor writer and the VLC tables: the built block word by word on small
-// hand-made descriptions and the cursor moves of misses; tables from the shared code tables (MPEG-2
+// hand-made descriptions and the cursor moves of misses; tables built from tables/ (MPEG-2
 // B.14/B.15, MPEG-4 TCOEF) at several level splits with every code at every bit offset, which also
 // drives the word cursor (its only user) across word ends both ways; argument checks; the word
 // fill against its SIMD twin.
@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bitstream/byte_cursor.h"
-#include "bitstream/vlc_kernels.h"
+#include "bitstream/vlc_dsp.h"
 #include "bitstream/word_cursor.h"
 #include "checkasm.h"
 #include "kvtvc.h"
@@ -288,12 +288,13 @@ TEST(VlcStatus, ArgumentChecks) {
                 kvtiVCHuffmanFree_32s(&t) == kvtStsOk);
 }
 
-TEST(VlcKernels, WordFillMatchesReference) {
-    compare_kernels("fill_32s", 400, [](Rng& rng, Impl impl, Outputs& out) {
-        const int n = rng.uniform(0, 300);
-        Guarded<int32_t> buf(size_t(n) + 1, size_t(rng.uniform(0, 3)) * 4);
-        for (size_t i = 0; i < buf.size(); ++i) buf[i] = int32_t(rng.next());
-        KVT_PICK(impl, fill_32s)(rng.next(), buf.data(), n);
-        out.add_buffer("words", buf);
-    });
+TEST(VlcKernels, WordFillMatchesOracle) {
+    compare_tiers<VlcDsp>("fill_32s", init_vlc_dsp, ref::init_vlc, 400,
+                          [](Rng& rng, const VlcDsp& d, Outputs& out) {
+                              const int n = rng.uniform(0, 300);
+                              Guarded<int32_t> buf(size_t(n) + 1, size_t(rng.uniform(0, 3)) * 4);
+                              for (size_t i = 0; i < buf.size(); ++i) buf[i] = int32_t(rng.next());
+                              d.fill_32s(rng.next(), buf.data(), n);
+                              out.add_buffer("words", buf);
+                          });
 }
