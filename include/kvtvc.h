@@ -414,14 +414,14 @@ KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt
  * orthonormal 2-D DCT (forward DC = sum / 8, no level shift). The inverse transforms meet IEEE Std
  * 1180-1990 for coefficients in -2048..2047; the reduced forms give the full form's result bit for
  * bit when only the top-left 4x4 (2x2) coefficients are nonzero and ignore the others. The forward
- * transforms are within 1 of the rounded exact DCT for inputs of magnitude up to 723. Results are
- * the same on every processor. Null pointers: -8; a step below its minimum: -14 (-82 for
- * kvtiDCTInv_8x8_16s8u). */
+ * transforms are within 1 of the rounded exact DCT for inputs of magnitude up to 723 (larger ones
+ * saturate). Results are the same on every processor. Null pointers: -8; a step below its minimum:
+ * -14 (-82 for kvtiDCTInv_8x8_16s8u). Pixel rows are written top to bottom. */
 /* Inverse DCT in place, results saturated to -32768..32767. */
 KVTAPI KvtStatus kvtiDCT8x8Inv_16s_C1I(Kvt16s* pSrcDst);
-/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 4x4 coefficients are nonzero (the others are not read). */
+/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 4x4 coefficients are nonzero (the others are ignored). */
 KVTAPI KvtStatus kvtiDCT8x8Inv_4x4_16s_C1I(Kvt16s* pSrcDst);
-/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 2x2 coefficients are nonzero (the others are not read). */
+/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 2x2 coefficients are nonzero (the others are ignored). */
 KVTAPI KvtStatus kvtiDCT8x8Inv_2x2_16s_C1I(Kvt16s* pSrcDst);
 /* Inverse DCT of pSrc to 8x8 pixels saturated to 0..255, rows dstStep bytes apart (dstStep >= 1). */
 KVTAPI KvtStatus kvtiDCT8x8Inv_16s8u_C1R(const Kvt16s* pSrc, Kvt8u* pDst, int dstStep);

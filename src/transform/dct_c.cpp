@@ -21,13 +21,8 @@ constexpr BasisTable kBasis = [] {
     return b;
 }();
 
-// Products are exact in 32 bits; sums are taken modulo 2^32 as PADDD does, so that the order of
-// the terms does not matter and no input can overflow.
-inline uint32_t product(int c, int x) { return static_cast<uint32_t>(c * x); }
-inline int32_t round_shift(uint32_t sum, int shift) {
-    return asr(static_cast<int32_t>(sum + (1u << (shift - 1))), shift);
-}
-inline int16_t wrap16(int v) { return static_cast<int16_t>(static_cast<uint16_t>(v)); }
+// Sums of products cannot leave 32 bits (dct_dsp.h), so the order of the terms does not matter.
+inline int32_t round_shift(int32_t sum, int shift) { return asr(sum + (1 << (shift - 1)), shift); }
 
 // One inverse 1-D pass over x[k * step], k < N (the other inputs are zero):
 // out[n] = round_shift(sum_k basis(n, k) x[k]). basis(7 - n, k) = (-1)^k basis(n, k), so the
@@ -35,9 +30,9 @@ inline int16_t wrap16(int v) { return static_cast<int16_t>(static_cast<uint16_t>
 template <int N>
 void inverse_1d(const int16_t* x, ptrdiff_t step, int shift, int32_t out[8]) {
     for (int n = 0; n < 4; ++n) {
-        uint32_t even = 0, odd = 0;
-        for (int k = 0; k < N; k += 2) even += product(kBasis.v[n][k], x[k * step]);
-        for (int k = 1; k < N; k += 2) odd += product(kBasis.v[n][k], x[k * step]);
+        int32_t even = 0, odd = 0;
+        for (int k = 0; k < N; k += 2) even += kBasis.v[n][k] * x[k * step];
+        for (int k = 1; k < N; k += 2) odd += kBasis.v[n][k] * x[k * step];
         out[n] = round_shift(even + odd, shift);
         out[7 - n] = round_shift(even - odd, shift);
     }
@@ -79,17 +74,17 @@ KvtStatus inverse_to_pixels(const int16_t* coef, uint8_t* dst, int dst_step) {
     return kvtStsOk;
 }
 
-// One forward 1-D pass over x[n * step]: the 16-bit folds s, d, then
+// One forward 1-D pass over x[n * step]: the saturated 16-bit folds s, d, then
 // out[k] = round_shift(sum_{n<4} basis(n, k) (k even ? s[n] : d[n])).
 void forward_1d(const int16_t* x, ptrdiff_t step, int shift, int32_t out[8]) {
     int16_t s[4], d[4];
     for (int n = 0; n < 4; ++n) {
-        s[n] = wrap16(x[n * step] + x[(7 - n) * step]);
-        d[n] = wrap16(x[n * step] - x[(7 - n) * step]);
+        s[n] = sat16(x[n * step] + x[(7 - n) * step]);
+        d[n] = sat16(x[n * step] - x[(7 - n) * step]);
     }
     for (int k = 0; k < 8; ++k) {
-        uint32_t sum = 0;
-        for (int n = 0; n < 4; ++n) sum += product(kBasis.v[n][k], k % 2 ? d[n] : s[n]);
+        int32_t sum = 0;
+        for (int n = 0; n < 4; ++n) sum += kBasis.v[n][k] * (k % 2 ? d[n] : s[n]);
         out[k] = round_shift(sum, shift);
     }
 }

@@ -4,16 +4,17 @@
 // shift), separated into two 1-D passes of 16-bit x 16-bit products summed in 32 bits, the shape
 // of PMADDWD. One basis serves every pass:
 //
-//     basis(n, k) = round(2^16 * c(k) / 2 * cos((2n + 1) k pi / 16)),  c(0) = 1/sqrt(2), else 1.
+//     basis(n, k) = round(2^14 * c(k) / 2 * cos((2n + 1) k pi / 16)),  c(0) = 1/sqrt(2), else 1.
 //
-// Inverse: rows first, out = (sum_k basis(n, k) x[k] + 2^11) >> 12, saturated to 16 bits (the
-// intermediate keeps 4 fractional bits: 16 x the 1-D result, exact range +-2048); then columns,
-// (sum + 2^19) >> 20, saturated to 16 bits (or to 0..255 for pixels).
-// Forward: columns first, out = (sum_n basis(n, k) x[n] + 2^12) >> 13, saturated (3 fractional
-// bits), then rows with (sum + 2^18) >> 19. The forward passes first fold their input in 16 bits,
-// s = x[n] + x[7 - n] and d = x[n] - x[7 - n] (wrapping), as the SIMD tiers do; sums wrap modulo
-// 2^32 like PADDD. With those rules fixed, any grouping of the terms gives the same result, so
-// every tier matches the C kernels bit for bit on every input.
+// Inverse: rows first, t = (sum_k basis(n, k) x[k] + 2^9) >> 10 saturated to 16 bits (16 x the
+// 1-D result: 4 fractional bits, range +-2048); then columns, (sum + 2^17) >> 18, saturated to
+// 16 bits (or to 0..255 for pixels).
+// Forward: columns first, from the 16-bit saturating folds s = x[n] + x[7 - n] and
+// d = x[n] - x[7 - n]: t = (sum_{n<4} basis(n, k) (k even ? s : d)[n] + 2^10) >> 11, saturated
+// (8 x the 1-D result); then rows the same way with (sum + 2^16) >> 17.
+// The basis is small enough that no sum can leave 32 bits whatever the 16-bit input, so every
+// value is defined by rounding and saturation alone and every tier matches the C kernels bit for
+// bit.
 #pragma once
 
 #include <cstdint>
@@ -24,8 +25,8 @@ namespace kvt {
 
 namespace dct {
 
-// round(2^15 * cos(j pi / 16)), j = 0..7: the magnitudes basis() takes its values from.
-constexpr int kCos[8] = {32768, 32138, 30274, 27246, 23170, 18205, 12540, 6393};
+// round(2^13 * cos(j pi / 16)), j = 0..7: the magnitudes basis() takes its values from.
+constexpr int kCos[8] = {8192, 8035, 7568, 6811, 5793, 4551, 3135, 1598};
 
 constexpr int basis(int n, int k) {
     if (k == 0) return kCos[4];              // c(0) / 2 = cos(4 pi / 16) / 2
@@ -34,8 +35,20 @@ constexpr int basis(int n, int k) {
     return j > 8 ? -kCos[16 - j] : kCos[j];  // cos(pi - a) = -cos(a)
 }
 
-constexpr int kInvRowShift = 12, kInvColShift = 20;
-constexpr int kFwdColShift = 13, kFwdRowShift = 19;
+constexpr int kInvRowShift = 10, kInvColShift = 18;
+constexpr int kFwdColShift = 11, kFwdRowShift = 17;
+
+// The largest sum of one pass: eight 16-bit inputs times their factors, plus the rounding.
+constexpr long long largest_sum() {
+    long long worst = 0;
+    for (int n = 0; n < 8; ++n) {
+        long long s = 0;
+        for (int k = 0; k < 8; ++k) s += 32768LL * (basis(n, k) < 0 ? -basis(n, k) : basis(n, k));
+        worst = s > worst ? s : worst;
+    }
+    return worst + (1 << (kInvColShift - 1));
+}
+static_assert(largest_sum() < (1LL << 31), "a pass could overflow 32 bits");
 
 }  // namespace dct
 
