@@ -448,8 +448,9 @@ KVTAPI KvtStatus kvtiDCTInv_8x8_16s8u(const Kvt16s* pSrc, Kvt8u* pDst, int dstSt
  *    block's reconstructed DC. A negative DC marks a neighbour that is not available (outside the
  *    VOP or the video packet): it predicts as 1024. Reset each group to DC -1, AC 0 at the start of
  *    a video packet, and the group before column 0 likewise.
- *  - pCoefBufCol: 8 Kvt16s per block row of the macroblock; entries 1..7 hold the first-column
- *    quantized AC of the block to the left (zero them at the left edge of a row and of a packet).
+ *  - pCoefBufCol: 8 Kvt16s per row of blocks (two for luminance: blocks 0-1 and 2-3, one for each
+ *    chrominance component); entries 1..7 hold the first-column quantized AC of the block to the
+ *    left (zero them at the left edge of the picture and at the start of a video packet).
  *  - predDir: 0 no prediction (DC from 1024), 1 from the left block, 2 from the block above. With
  *    left DC A, above-left B and above C (1024 when not available): 2 when |A - B| < |B - C|,
  *    else 1 (ISO/IEC 14496-2 7.4.3.1). With AC prediction on, direction 1 decodes with the
