@@ -6,6 +6,10 @@
 
 #include "kvtvc.h"
 
+// The tables are internal to the library: declared hidden, so position-independent code reaches them
+// directly rather than through the global offset table.
+#pragma GCC visibility push(hidden)
+
 namespace kvt {
 
 // One TCOEF table entry; level 255 marks the escape code. The sign bit follows the code and is
@@ -41,3 +45,5 @@ struct DcSizeEntry {
 extern const DcSizeEntry kDcSize[2][13][2];
 
 }  // namespace kvt
+
+#pragma GCC visibility pop
