@@ -448,8 +448,9 @@ KVTAPI KvtStatus kvtiDCTInv_8x8_16s8u(const Kvt16s* pSrc, Kvt8u* pDst, int dstSt
  *    block's reconstructed DC. A negative DC marks a neighbour that is not available (outside the
  *    VOP or the video packet): it predicts as 1024. Reset each group to DC -1, AC 0 at the start of
  *    a video packet, and the group before column 0 likewise.
- *  - pCoefBufCol: 8 Kvt16s per block row of the macroblock; entries 1..7 hold the first-column
- *    quantized AC of the block to the left (zero them at the left edge of a row and of a packet).
+ *  - pCoefBufCol: 8 Kvt16s per row of blocks (two for luminance: blocks 0-1 and 2-3, one for each
+ *    chrominance component); entries 1..7 hold the first-column quantized AC of the block to the
+ *    left (zero them at the left edge of the picture and at the start of a video packet).
  *  - predDir: 0 no prediction (DC from 1024), 1 from the left block, 2 from the block above. With
  *    left DC A, above-left B and above C (1024 when not available): 2 when |A - B| < |B - C|,
  *    else 1 (ISO/IEC 14496-2 7.4.3.1). With AC prediction on, direction 1 decodes with the
@@ -491,11 +492,11 @@ KVTAPI KvtStatus kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* 
 /* Zeroes pDst, DC differential by its own code, intra AC codes from scan position 1; predDir picks
  * the scan: 0 zigzag, 1 alternate vertical, 2 alternate horizontal (else -93). On an AC error pDst
  * holds zeros and the cursor stays after the DC. */
-KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraDCVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst,
-                                                            int predDir, int blockType);
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraDCVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset,
+                                                            Kvt16s* pDst, int predDir, int blockType);
 /* As above with the DC coded in the intra AC table (from scan position 0). */
-KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraACVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst,
-                                                            int predDir);
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraACVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset,
+                                                            Kvt16s* pDst, int predDir);
 /* Zeroes pDst, inter codes from scan position 0, zigzag scan. */
 KVTAPI KvtStatus kvtiDecodeVLCZigzag_Inter_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst);
 
@@ -510,7 +511,8 @@ KVTAPI KvtStatus kvtiDecodeBlockCoef_Intra_H263_1u8u(Kvt8u** ppBitStream, int* p
                                                      int step, int QP);
 /* H.263 inter block: TCOEF, inverse quantization, zigzag, inverse DCT in place to 64 residuals
  * (raster); QP 1..31 (-76). */
-KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_H263_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst, int QP);
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_H263_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst,
+                                                      int QP);
 /* H.263 Annex I intra block. predMode = INTRA_MODE + 1: 1 DC only (mean of the available left and
  * above DCs, zigzag), 2 vertical DC and AC from above (alternate-horizontal scan), 3 horizontal
  * from the left (alternate-vertical scan); else -83. Prediction state as for MPEG-4 (row groups
@@ -531,24 +533,25 @@ KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_MPEG4_1u16s(Kvt8u** ppBitStream, int*
  * (luminance rules). Updates the prediction state and stores the reconstructed DC in
  * pCoefBufRow[0]. Checks: nulls -8, step < 8 -14, QP or predQP outside 1..31 -104, predDir -93,
  * blockIndex outside 0..9 -103, offset -105. */
-KVTAPI KvtStatus kvtiDecodeBlockCoef_Intra_MPEG4_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst, int step,
-                                                      Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol, int QP,
-                                                      int predQP, int predDir, int ACPredFlag, int blockIndex,
-                                                      int intraDCVLC, const Kvt8u* pQMatrix);
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Intra_MPEG4_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                      int step, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
+                                                      int QP, int predQP, int predDir, int ACPredFlag,
+                                                      int blockIndex, int intraDCVLC, const Kvt8u* pQMatrix);
 /* As kvtiDecodeBlockCoef_Intra_MPEG4_1u8u for a block without AC codes (CBP bit 0): reads only the
  * DC when intraDCVLC is nonzero, nothing otherwise; AC prediction still applies. */
 KVTAPI KvtStatus kvtiDecodeBlockCoef_IntraDCOnly_MPEG4_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
-                                                            int step, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
-                                                            int QP, int predQP, int predDir, int ACPredFlag,
-                                                            int blockIndex, int intraDCVLC, const Kvt8u* pQMatrix);
+                                                            int step, Kvt16s* pCoefBufRow,
+                                                            Kvt16s* pCoefBufCol, int QP, int predQP,
+                                                            int predDir, int ACPredFlag, int blockIndex,
+                                                            int intraDCVLC, const Kvt8u* pQMatrix);
 
 /* -- MPEG-4 AC/DC prediction and inverse quantization (ISO/IEC 14496-2 7.4.3, 7.4.4) -- */
 /* Adds the DC (and with ACPredFlag the first row or column) prediction to quantized coefficients
  * (entry 0: the DC differential) and stores the block's first row and column in the state;
  * blockType 1 chrominance. pCoefBufRow[0] is left for the caller (store the reconstructed DC). */
-KVTAPI KvtStatus kvtiPredictReconCoefIntra_MPEG4_16s(Kvt16s* pSrcDst, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
-                                                     int curQP, int predQP, int predDir, int ACPredFlag,
-                                                     int blockType);
+KVTAPI KvtStatus kvtiPredictReconCoefIntra_MPEG4_16s(Kvt16s* pSrcDst, Kvt16s* pCoefBufRow,
+                                                     Kvt16s* pCoefBufCol, int curQP, int predQP, int predDir,
+                                                     int ACPredFlag, int blockType);
 /* Intra: DC times the DC scaler; AC by pQMatrix (with mismatch control) or, NULL, the H.263 method;
  * results -2048..2047; blockType 1 chrominance. */
 KVTAPI KvtStatus kvtiQuantInvIntra_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix, int blockType);

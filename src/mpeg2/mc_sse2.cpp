@@ -95,8 +95,10 @@ struct Unit {
             store4(p, b);
             store4(p + step, _mm_srli_si128(b, 4));
         } else {
+            uint32_t rows[2] = {uint32_t(_mm_cvtsi128_si32(b)),
+                                uint32_t(_mm_cvtsi128_si32(_mm_srli_si128(b, 4)))};
             for (int i = 0; i < R; ++i) {
-                const uint16_t x = uint16_t(_mm_extract_epi16(b, i));
+                const uint16_t x = uint16_t(rows[i / 2] >> (16 * (i % 2)));
                 std::memcpy(p + i * step, &x, 2);
             }
         }

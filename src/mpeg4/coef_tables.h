@@ -5,6 +5,11 @@
 #include <cstdint>
 
 #include "kvtvc.h"
+#include "mpeg4/scan_tables.h"
+
+// The tables are internal to the library: declared hidden, so position-independent code reaches them
+// directly rather than through the global offset table.
+#pragma GCC visibility push(hidden)
 
 namespace kvt {
 
@@ -28,10 +33,8 @@ extern const TcoefEntry kTcoefIntra[kTcoefTableSize];     // ISO/IEC 14496-2 Tab
 extern const TcoefEntry kTcoefInter[kTcoefTableSize];     // Table B-17, H.263 Table 16
 extern const TcoefEntry kTcoefAdvIntra[kTcoefTableSize];  // H.263 Table I.2
 
-// Scan orders as raster positions; the index is the scan number of the MPEG-4 decoders.
+// Scan numbers of the MPEG-4 decoders; the orders are in scan_tables.h.
 enum Scan { kZigzag = 0, kAltVertical = 1, kAltHorizontal = 2 };
-extern const int16_t kScan[3][64];
-extern const int16_t kScanInverse[3][64];  // raster entry -> scan position, 64-byte aligned
 
 // dct_dc_size (ISO/IEC 14496-2 Tables B-13, B-14) by [chroma][leading zeros][bit after the 1];
 // length 0: no code.
@@ -41,3 +44,5 @@ struct DcSizeEntry {
 extern const DcSizeEntry kDcSize[2][13][2];
 
 }  // namespace kvt
+
+#pragma GCC visibility pop

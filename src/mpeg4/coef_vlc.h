@@ -59,15 +59,14 @@ struct TcoefTraits {
     static const uint8_t* rmax1() { return T == Tcoef::Mpeg4Intra ? _kvtRunMAXintra : _kvtRMAXinter; }
 };
 
-// One table code and its sign bit at the reader; false on a look-ahead that starts no code or on
-// an escape (the caller handles that).
-inline bool read_plain(BitReader& r, const TcoefEntry* table, Event& ev, bool& escape) {
+// One table code and its sign bit at the reader (the code after an escape's mode bits); false on
+// a look-ahead that starts no code, and on the escape code itself.
+inline bool read_table_code(BitReader& r, const TcoefEntry* table, Event& ev) {
     const uint32_t w = r.peek();
     const uint32_t v = w >> 20;
     if (v < 8) return false;
     const TcoefEntry e = *tcoef_lookup(table, v);
-    escape = e.level == kEscapeLevel;
-    if (escape) return true;
+    if (e.level == kEscapeLevel) return false;
     const int negative = int(w >> (31 - e.length)) & 1;
     r.skip(e.length + 1u);
     ev = {e.last, e.run, negative ? -int(e.level) : int(e.level)};
@@ -83,8 +82,7 @@ inline bool read_mpeg4_escape(BitReader& r, Event& ev) {
     const uint32_t mode = r.peek() >> 23;  // escape code (7 bits, known), then 2 mode bits
     if ((mode & 2) == 0 || (mode & 1) == 0) {
         r.skip((mode & 2) ? 9 : 8);
-        bool escape = false;
-        if (!read_plain(r, Tr::table(), ev, escape) || escape) return false;
+        if (!read_table_code(r, Tr::table(), ev)) return false;
         const int magnitude = ev.level < 0 ? -ev.level : ev.level;
         if (mode & 2) {
             ev.run += Tr::rmax1()[ev.last * 64 + magnitude];

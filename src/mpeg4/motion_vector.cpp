@@ -4,12 +4,15 @@
 #include <cstdint>
 
 #include "bitstream/byte_cursor.h"
+#include "common/kernel.h"
 #include "kvtvc.h"
-#include "mpeg4/motion_vector_kernels.h"
+#include "mpeg4/motion_vector_dsp.h"
 
 using namespace kvt;
 
 namespace {
+
+KVT_DSP_TABLE(MotionVectorDsp, init_motion_vector_dsp) dsp;
 
 // -8 or -105 for a cursor the MPEG-4 readers reject, else 0.
 KvtStatus check_cursor(Kvt8u* const* pp, const int* pOffset) {
@@ -48,8 +51,7 @@ KvtStatus kvtiDecodePadMV_PVOP_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, const
     if (bad_fcode(fcode)) return kvtStsBadFcode;
     const MvNeighbours nb{pSrcMVLeftMB,     pSrcMVUpperMB,     pSrcMVUpperRightMB,
                           *pValidLeft != 0, *pValidUpper != 0, *pValidUpperRight != 0};
-    return decode_pad_mv_pvop_mpeg4_ref(ppBitStream, pBitOffset, nb, pDstMVCurMB, pBlockPresent, fcode,
-                                        mbType);
+    return dsp.decode_pad_mv_pvop(ppBitStream, pBitOffset, nb, pDstMVCurMB, pBlockPresent, fcode, mbType);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
@@ -57,7 +59,7 @@ KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, 
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
     if (!pSrcDstMV) return kvtStsNullPointer;
     if (bad_fcode(fcode)) return kvtStsBadFcode;
-    return decode_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcDstMV, fcode);
+    return dsp.decode_mv(ppBitStream, pBitOffset, pSrcDstMV, fcode);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_Backward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
@@ -71,8 +73,8 @@ KvtStatus kvtiDecodeMV_BVOP_Interpolate_MPEG4(Kvt8u** ppBitStream, int* pBitOffs
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
     if (!pSrcDstMVF || !pSrcDstMVB) return kvtStsNullPointer;
     if (bad_fcode(fcodeForward) || bad_fcode(fcodeBackward)) return kvtStsBadFcode;
-    if (const int st = decode_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcDstMVF, fcodeForward)) return st;
-    return decode_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcDstMVB, fcodeBackward);
+    if (const KvtStatus st = dsp.decode_mv(ppBitStream, pBitOffset, pSrcDstMVF, fcodeForward)) return st;
+    return dsp.decode_mv(ppBitStream, pBitOffset, pSrcDstMVB, fcodeBackward);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
@@ -83,8 +85,8 @@ KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
     if (const KvtStatus st =
             check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
         return st;
-    return decode_direct_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcMVColocated, pDstMVForward, pDstMVBackward,
-                                      *pColocatedFlag != 0, TRB, TRD);
+    return dsp.decode_direct_mv(ppBitStream, pBitOffset, pSrcMVColocated, pDstMVForward, pDstMVBackward,
+                                *pColocatedFlag != 0, TRB, TRD);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_DirectSkip_MPEG4(const KvtMotionVec* pSrcMVColocated, KvtMotionVec* pDstMVForward,
@@ -93,26 +95,24 @@ KvtStatus kvtiDecodeMV_BVOP_DirectSkip_MPEG4(const KvtMotionVec* pSrcMVColocated
     if (const KvtStatus st =
             check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
         return st;
-    return direct_mv_mpeg4_ref(pSrcMVColocated, pDstMVForward, pDstMVBackward, *pColocatedFlag != 0, TRB, TRD,
-                               0, 0);
+    return dsp.direct_mv(pSrcMVColocated, pDstMVForward, pDstMVBackward, *pColocatedFlag != 0, TRB, TRD, 0,
+                         0);
 }
 
 KvtStatus kvtiPadMV_MPEG4(KvtMotionVec* pSrcDstMV, const Kvt8u* pBlockPresent) {
     if (!pSrcDstMV || !pBlockPresent) return kvtStsNullPointer;
-    return pad_mv_mpeg4_ref(pSrcDstMV, pBlockPresent);
+    return dsp.pad_mv(pSrcDstMV, pBlockPresent);
 }
 
 KvtStatus kvtiComputeChromaMV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV) {
     if (!pSrcMV || !pDstMV) return kvtStsNullPointer;
-    *pDstMV = chroma_mv_mpeg4_ref(*pSrcMV);
-    return kvtStsOk;
+    return dsp.chroma_mv(pSrcMV, pDstMV);
 }
 
 KvtStatus kvtiComputeChroma4MV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
                                      const Kvt8u* pBlockPresent) {
     if (!pSrcMV || !pDstMV || !pBlockPresent) return kvtStsNullPointer;
-    *pDstMV = chroma4_mv_mpeg4_ref(pSrcMV, pBlockPresent);
-    return kvtStsOk;
+    return dsp.chroma4_mv(pSrcMV, pBlockPresent, pDstMV);
 }
 
 KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
@@ -120,6 +120,5 @@ KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDst
     if (!pSrcMV || !pDstMV || !pRectRef) return kvtStsNullPointer;
     if (size != 8 && size != 16) return kvtStsBadBlockSize;
     if (pRectRef->width < 2 * size || pRectRef->height < 2 * size) return kvtStsBadSize;
-    *pDstMV = limit_mv_to_rect_ref(*pSrcMV, *pRectRef, xPos, yPos, size);
-    return kvtStsOk;
+    return dsp.limit_mv_to_rect(pSrcMV, *pRectRef, xPos, yPos, size, pDstMV);
 }

@@ -63,7 +63,7 @@ inline bool read_mvd_component(ByteCursor& c, int rsize, int* diff) {
     const int nonzero = -int(e.value != 0);
     const int sign_at = 18 - e.length;  // bit of w holding the sign
     const int negative = int((w >> sign_at) & 1) & nonzero;
-    const int r = int((w >> (sign_at - rsize)) & low_mask(uint32_t(rsize)));
+    const int r = int((w >> (sign_at - rsize)) & low_mask(rsize));
     // ((code - 1) << r_size) + r + 1, in unsigned arithmetic: the code 0 is masked off after.
     int mag = int(((uint32_t(e.value) - 1u) << rsize) + uint32_t(r) + 1u) & nonzero;
     mag = (mag ^ -negative) + negative;

@@ -3,6 +3,7 @@
 // coefficients present and stores only the raster entries they land on.
 #include <immintrin.h>
 
+#include "common/kernel.h"
 #include "mpeg4/coef_tables.h"
 #include "mpeg4/zigzag_dsp.h"
 
@@ -43,12 +44,8 @@ KvtStatus full(const int16_t* src, int16_t* dst) {
 }  // namespace
 
 void init_zigzag(ZigzagDsp& d) {
-    d.full[0] = full<0>;
-    d.full[1] = full<1>;
-    d.full[2] = full<2>;
-    d.compact[0] = compact<0>;
-    d.compact[1] = compact<1>;
-    d.compact[2] = compact<2>;
+    fill_slots(d.full, [](auto s) { return full<decltype(s)::value>; });
+    fill_slots(d.compact, [](auto s) { return compact<decltype(s)::value>; });
 }
 
 }  // namespace kvt::avx512

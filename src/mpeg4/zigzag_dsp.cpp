@@ -6,6 +6,7 @@ namespace kvt {
 
 void init_zigzag_dsp(ZigzagDsp& d, unsigned flags) {
     c::init_zigzag(d);
+    KVT_IF_TIER(flags, ssse3, init_zigzag(d));
     KVT_IF_TIER(flags, avx512, init_zigzag(d));
 }
 

@@ -23,6 +23,9 @@ void init_zigzag(ZigzagDsp& d);
 namespace ref {
 void init_zigzag(ZigzagDsp& d);
 }
+namespace ssse3 {
+void init_zigzag(ZigzagDsp& d);
+}
 namespace avx512 {
 void init_zigzag(ZigzagDsp& d);
 }

@@ -4,7 +4,6 @@
 // against the code tables; the argument checks in order.
 #include <algorithm>
 #include <array>
-#include <tuple>
 
 #include "coef_codes.h"
 #include "kvtvc.h"
@@ -56,7 +55,8 @@ KvtStatus decode(Kind kind, Rng& rng, const std::string& bits, int offset, int d
 
 }  // namespace
 
-// Every form appears: the test counts the forms it wrote and requires each of them.
+// Every form appears: the test counts the forms it wrote and requires each of them. The DC sizes
+// reach 12 in both tables (with the marker after more than 8 bits).
 TEST(Mpeg4Coef, RandomBlocksInEveryEscapeFormRoundTrip) {
     std::map<Form, int> written;
     for (int trial = 0; trial < 3000; ++trial) {
@@ -65,8 +65,20 @@ TEST(Mpeg4Coef, RandomBlocksInEveryEscapeFormRoundTrip) {
         const int dir = rng.uniform(0, 2), chroma = rng.coin(), first = kind == kIntraDc ? 1 : 0;
         const TcoefCodes& t = kind == kInter ? inter_codes() : intra_codes();
         std::vector<CoefEvent> events = random_events(rng, first, 2047);
-        const int dc = rng.uniform(-255, 255) * (rng.coin() ? 1 : 16);
-        std::string bits = kind == kIntraDc ? write_intra_dc(dc, chroma) : "";
+        // The DC: half the time at a limit of its size class (size 0..12), else anywhere.
+        const int size = rng.uniform(0, 12), lowest = size ? 1 << (size - 1) : 0;
+        const int limit = rng.coin() ? (1 << size) - 1 : lowest;
+        const int dc = rng.coin() ? (rng.coin() ? -limit : limit) : rng.uniform(-4095, 4095);
+        const std::string dc_bits = write_intra_dc(dc, chroma);
+        if (kind == kIntraDc) {  // the DC alone
+            Stream s(rng, dc_bits, trial % 8);
+            const long start = s.pos();
+            Kvt16s got = 77;
+            ASSERT_EQ(kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(&s.p, &s.offset, &got, chroma), kvtStsOk) << dc;
+            ASSERT_EQ(got, dc);
+            ASSERT_EQ(s.pos() - start, long(dc_bits.size())) << dc;
+        }
+        std::string bits = kind == kIntraDc ? dc_bits : "";
         for (const CoefEvent& e : events) ++written[t.mpeg4_forms(e)[0]];
         bits += write_events(rng, t, events);
         Block want = place(events, first, scan_order(kScanName[kind == kInter ? 0 : kScanOfDir[dir]]));
@@ -82,7 +94,7 @@ TEST(Mpeg4Coef, RandomBlocksInEveryEscapeFormRoundTrip) {
 }
 
 // Third-form escapes at the limits of the 12-bit level, every run, both values of last; a run that
-// carries the index to 64 stores nothing; bad codes, escapes and markers.
+// carries the index to 64 stores nothing; bad codes, escapes, DC size codes and markers.
 TEST(Mpeg4Coef, FixedEscapesAtTheLimitsAndRejectedCodes) {
     Rng rng(test_seed());
     const TcoefCodes& t = inter_codes();
@@ -103,6 +115,7 @@ TEST(Mpeg4Coef, FixedEscapesAtTheLimitsAndRejectedCodes) {
         Kind kind;
         int status;
         long moved;
+        int chroma = 0;
     } cases[] = {
         {"01110", kInter, 0, 5},                                                // (1, 0, +1): one coefficient
         {esc3 + "1" + "000000" + "1" + "000000000000" + "1", kInter, -100, 0},  // level 0
@@ -115,52 +128,23 @@ TEST(Mpeg4Coef, FixedEscapesAtTheLimitsAndRejectedCodes) {
         {t.escape() + "0" + t.escape() + "1", kInter, -100, 0},  // escape in escape
         {t.escape() + "10" + "000000000", kInter, -100, 0},
         {write_intra_dc(3, false) + "000000000", kIntraDc, -100,
-         long(write_intra_dc(3, false).size())},                        // AC error: after the DC
-        {"00000000000" + std::string(12, '1'), kIntraDc, -100, 0},      // luma size code too long
-        {"0000000001" + std::string(11, '1') + "0", kIntraDc, -99, 0},  // size 11 without marker
+         long(write_intra_dc(3, false).size())},                             // AC error: after the DC
+        {"00000000000" + std::string(12, '1'), kIntraDc, -100, 0},           // luma size code too long
+        {"0000000001" + std::string(11, '1') + "0", kIntraDc, -99, 0},       // size 11 without marker
+        {std::string(12, '0') + "1", kIntraDc, -100, 0, 1},                  // chrominance code too long
+        {"000000000001" + std::string(12, '1') + "0", kIntraDc, -99, 0, 1},  // size 12 without marker
     };
     for (const Case& c : cases)
         for (int offset = 0; offset < 8; ++offset) {
             SCOPED_TRACE(c.bits + " at offset " + std::to_string(offset));
             Block got;
             long moved;
-            EXPECT_EQ(decode(c.kind, rng, c.bits, offset, 0, 0, got, moved), c.status);
+            EXPECT_EQ(decode(c.kind, rng, c.bits, offset, 0, c.chroma, got, moved), c.status);
             EXPECT_EQ(moved, c.moved);
             if (c.status) {
                 EXPECT_EQ(got, Block{}) << "a rejected block leaves zeros";
             }
         }
-}
-
-// Every DC size of both tables at the extremes of its range, the twelve-bit chrominance code with
-// its marker, and the rejected size codes (the cursor stays).
-TEST(Mpeg4Coef, IntraDcSizesAndDifferentials) {
-    Rng rng(test_seed());
-    for (int chroma = 0; chroma < 2; ++chroma)
-        for (int size = 0; size <= 12; ++size)
-            for (int diff : {(1 << size) - 1, -((1 << size) - 1), 1 << (size ? size - 1 : 0),
-                             -(1 << (size ? size - 1 : 0))}) {
-                if (size == 0) diff = 0;
-                const std::string bits = write_intra_dc(diff, chroma);
-                Stream s(rng, bits, size % 8);
-                const long start = s.pos();
-                Kvt16s dc = 77;
-                ASSERT_EQ(kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(&s.p, &s.offset, &dc, chroma ? 1 : 0), 0)
-                    << bits;
-                EXPECT_EQ(dc, diff) << bits;
-                EXPECT_EQ(s.pos() - start, long(bits.size())) << bits;
-            }
-    EXPECT_EQ(write_intra_dc(-4095, true).substr(0, 12), "000000000001");
-    for (auto [bits, chroma, status] :
-         {std::tuple{std::string(12, '0') + "1", 1, -100}, std::tuple{std::string(11, '0') + "1", 0, -100},
-          std::tuple{"000000000001" + std::string(12, '1') + "0", 1, -99}}) {
-        Stream s(rng, bits + "11111111", 5);
-        const long start = s.pos();
-        Kvt16s dc = 77;
-        EXPECT_EQ(kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(&s.p, &s.offset, &dc, chroma), status) << bits;
-        EXPECT_EQ(s.pos(), start);
-        EXPECT_EQ(dc, 77);
-    }
 }
 
 // The exported scan and escape-limit tables against the code tables (the direction-named scans are

@@ -150,8 +150,9 @@ TEST(Mpeg4Recon, H263FunctionsMatchModel) {
         auto expect_recon = [&](const std::vector<uint8_t>& got, int n, const char* what) {
             for (int y = 0; y < 16; ++y)
                 for (int x = 0; x < step; ++x) {
-                    const int e = res[size_t((y / 8 * 2 + x / 8) * 64 + y % 8 * 8 + x % 8)];
-                    const int want = x < n && y < n ? clamp255(src[size_t(y * step + x)] + e) : 0xA5;
+                    const bool inside = x < n && y < n;
+                    const int e = inside ? res[size_t((y / 8 * 2 + x / 8) * 64 + y % 8 * 8 + x % 8)] : 0;
+                    const int want = inside ? clamp255(src[size_t(y * step + x)] + e) : 0xA5;
                     ASSERT_EQ(got[size_t(y * step + x)], want) << what << " at " << x << "," << y;
                 }
         };

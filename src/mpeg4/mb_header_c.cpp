@@ -3,11 +3,12 @@
 // MCBPC output: macroblock type in bits 0..2 (0 inter, 1 inter+Q, 2 inter4V, 3 intra,
 // 4 intra+Q), chroma pattern in bits 4 (Cr coded) and 5 (Cb coded); 255 is stuffing.
 #include "bitstream/byte_cursor.h"
+#include "common/kernel.h"
 #include "kvtvc.h"
 #include "mpeg4/code_table.h"
-#include "mpeg4/mb_header_kernels.h"
+#include "mpeg4/mb_header_dsp.h"
 
-namespace kvt {
+namespace kvt::KVT_C_NS {
 namespace {
 
 constexpr int mcbpc(int type, int cbpc) { return type | cbpc << 4; }
@@ -66,13 +67,9 @@ inline void accept(ByteCursor c, int length, uint8_t** pp, int* pOffset, uint8_t
     c.store(pp, pOffset);
 }
 
-}  // namespace
-
-namespace {
-
 // One table lookup; a rejected code leaves everything as it was.
-inline int decode_by_table(const CodeEntry* table, uint32_t bits, int status_if_bad, uint8_t** pp,
-                           int* pOffset, uint8_t* dst) {
+inline KvtStatus decode_by_table(const CodeEntry* table, uint32_t bits, KvtStatus status_if_bad, uint8_t** pp,
+                                 int* pOffset, uint8_t* dst) {
     const ByteCursor c{*pp, *pOffset};
     const CodeEntry e = table[c.show16(bits)];
     if (e.length == 0) return status_if_bad;
@@ -80,18 +77,16 @@ inline int decode_by_table(const CodeEntry* table, uint32_t bits, int status_if_
     return kvtStsOk;
 }
 
-}  // namespace
-
-int decode_mcbpc_intra_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
+KvtStatus mcbpc_intra(uint8_t** pp, int* pOffset, uint8_t* dst) {
     return decode_by_table(kIntra.data(), 9, kvtStsBadMcbpcIntra, pp, pOffset, dst);
 }
 
-int decode_mcbpc_inter_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
+KvtStatus mcbpc_inter(uint8_t** pp, int* pOffset, uint8_t* dst) {
     return decode_by_table(kInter.data(), 9, kvtStsBadMcbpcInter, pp, pOffset, dst);
 }
 
 // 0 (one bit), 10 or 11 (two bits, taken as they stand).
-int decode_modb_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
+KvtStatus modb(uint8_t** pp, int* pOffset, uint8_t* dst) {
     const ByteCursor c{*pp, *pOffset};
     const uint32_t v = c.show16(2);
     const uint32_t two = v >> 1;
@@ -99,13 +94,13 @@ int decode_modb_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
     return kvtStsOk;
 }
 
-int decode_cbpy_h263_ref(uint8_t** pp, int* pOffset, uint8_t* dst) {
+KvtStatus cbpy(uint8_t** pp, int* pOffset, uint8_t* dst) {
     return decode_by_table(kCbpy.data(), 6, kvtStsBadCbpy, pp, pOffset, dst);
 }
 
 // A prior quantizer outside 1..31 is not the caller's to give; it picks row (quant mod 32) so
 // that the read stays inside the table.
-int update_quant_mq_h263_ref(uint8_t** pp, int* pOffset, uint32_t* quant) {
+KvtStatus update_quant_mq(uint8_t** pp, int* pOffset, uint32_t* quant) {
     ByteCursor c{*pp, *pOffset};
     const uint32_t v = c.show16(6);
     if (v & 32) {
@@ -119,4 +114,14 @@ int update_quant_mq_h263_ref(uint8_t** pp, int* pOffset, uint32_t* quant) {
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_mb_header(MbHeaderDsp& d) {
+    d.mcbpc_intra = mcbpc_intra;
+    d.mcbpc_inter = mcbpc_inter;
+    d.modb = modb;
+    d.cbpy = cbpy;
+    d.update_quant_mq = update_quant_mq;
+}
+
+}  // namespace kvt::KVT_C_NS
