@@ -1,6 +1,6 @@
-// MPEG-4 simple-profile macroblock layer (ISO/IEC 14496-2 6.2.6): not_coded, MCBPC, ac_pred_flag,
+// MPEG-4 macroblock layer (ISO/IEC 14496-2 6.2.6): in I- and P-VOPs not_coded, MCBPC, ac_pred_flag,
 // CBPY, DQUANT, the vectors and the blocks, with intra DC and AC prediction across the blocks of
-// the same video packet (7.4.3).
+// the same video packet (7.4.3); and the B-VOP macroblock with its four prediction modes.
 #include "decoder.h"
 
 #include <algorithm>
