@@ -31,14 +31,13 @@ public:
         return v;
     }
     bool read_bit() { return read(1) != 0; }
-    void skip(long n) {
-        const long t = offset + n;
+    void skip(int n) {
+        const int t = offset + n;
         ptr += t >> 3;
         offset = int(t & 7);
     }
 
-    long position() const { return (ptr - begin_) * 8 + offset; }
-    long bits_left() const { return (end_ - ptr) * 8 - offset; }
+    int64_t bits_left() const { return int64_t(end_ - ptr) * 8 - offset; }
     bool overrun() const { return bits_left() < 0; }
     bool aligned() const { return offset == 0; }
     // Bits from here to the next byte boundary (0 when aligned).

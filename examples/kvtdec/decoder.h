@@ -190,7 +190,7 @@ private:
     int vo_verid_ = 1;
     // VOP times (ISO/IEC 14496-2 7.7.2.1) for direct mode: seconds of the last two anchors, the time
     // of the last anchor, and the distances TRD (between the anchors) and TRB (past anchor to B).
-    long time_base_ = 0, last_time_base_ = 0, anchor_time_ = 0;
+    int64_t time_base_ = 0, last_time_base_ = 0, anchor_time_ = 0;
     int trd_ = 0, trb_ = 0;
 
     // Macroblock layers.

@@ -16,18 +16,18 @@ void Decoder::read_vop_header(BitReader& br, bool& coded) {
     p.intra = type == 0;
     p.b = type == 2;
     if (p.b && vol_.low_delay) fail("B-VOP in a low-delay video object layer");
-    long seconds = 0;  // modulo_time_base
+    int seconds = 0;  // modulo_time_base
     while (br.read_bit())
         if (++seconds > 3600) fail("invalid modulo_time_base");
     if (!br.read_bit()) fail("missing marker bit before vop_time_increment");
-    const long increment = long(br.read(vol_.time_increment_bits));
+    const int64_t increment = br.read(vol_.time_increment_bits);
     if (!br.read_bit()) fail("missing marker bit after vop_time_increment");
     // Anchors count their seconds from the previous anchor, B-VOPs from the anchor before that.
-    const long resolution = vol_.time_increment_resolution;
+    const int64_t resolution = vol_.time_increment_resolution;
     if (!p.b) {
         last_time_base_ = time_base_;
         time_base_ += seconds;
-        const long time = time_base_ * resolution + increment;
+        const int64_t time = time_base_ * resolution + increment;
         trd_ = int(time - anchor_time_);
         anchor_time_ = time;
     } else {
