@@ -10,20 +10,22 @@
 #include <kvtvc.h>
 
 #include <cstdint>
+#include <cstring>
 
 namespace kvtdec {
 
 class BitReader {
 public:
     BitReader() = default;
-    BitReader(Kvt8u* begin, const Kvt8u* end) : ptr(begin), offset(0), begin_(begin), end_(end) {}
+    BitReader(Kvt8u* begin, const Kvt8u* end) : ptr(begin), offset(0), end_(end) {}
 
-    // The next n (0..32) bits, most significant first; the cursor does not move.
+    // The next n (0..32) bits, most significant first; the cursor does not move. Reads the 8 bytes
+    // at the cursor (the stream's padding keeps them readable).
     uint32_t peek(int n) const {
         if (n == 0) return 0;
-        uint64_t w = 0;
-        for (int i = 0; i < 5; ++i) w = (w << 8) | ptr[i];
-        return uint32_t((w << (24 + offset)) >> (64 - n));
+        uint64_t w;
+        std::memcpy(&w, ptr, 8);
+        return uint32_t((__builtin_bswap64(w) << offset) >> (64 - n));
     }
     uint32_t read(int n) {
         const uint32_t v = peek(n);
@@ -50,7 +52,6 @@ public:
     int offset = 0;
 
 private:
-    const Kvt8u* begin_ = nullptr;
     const Kvt8u* end_ = nullptr;
 };
 
