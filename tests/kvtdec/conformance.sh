@@ -121,6 +121,7 @@ run_case h263-p2     h263   352x288   mandelbrot 16     inter  -q:v 12 -g 60 -fl
 run_case h263-obmc   h263   176x144   testsrc2   16     inter  -q:v 4 -obmc 1 -flags +mv4
 run_case h263-gobs   h263   352x288   noise      10     inter  -q:v 20 -g 12 -ps 400
 run_case h263-4cif   h263   704x576   testsrc2   6      inter  -q:v 6 -g 12
+run_case h263-16cif  h263   1408x1152 mandelbrot 3      inter  -q:v 8 -ps 2000
 run_case h263p-umv   h263p  200x120   testsrc2   16     inter  -q:v 5 -umv 1
 run_case h263p-obmc  h263p  352x288   mandelbrot 12     inter  -q:v 3 -obmc 1 -flags +mv4 -umv 1 -g 60
 run_case h263p-sl    h263p  320x240   noise      10     inter  -q:v 16 -g 12 -ps 300
