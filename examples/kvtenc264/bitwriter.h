@@ -1,0 +1,50 @@
+// Most-significant-bit-first writer for an H.264 RBSP, with the Exp-Golomb codes of H.264 9.1.
+#pragma once
+#include <cstdint>
+#include <vector>
+
+namespace enc264 {
+
+class BitWriter {
+public:
+    // Appends the n low bits of value (n <= 32), first bit the most significant.
+    void put(uint32_t value, int n) {
+        if (n == 0) return;
+        acc_ = (acc_ << n) | (value & (n == 32 ? 0xffffffffu : (1u << n) - 1));
+        pending_ += n;
+        while (pending_ >= 8) {
+            pending_ -= 8;
+            bytes_.push_back(static_cast<uint8_t>(acc_ >> pending_));
+        }
+    }
+    void flag(bool b) { put(b ? 1 : 0, 1); }
+    // ue(v): codeNum + 1 in binary, preceded by as many zeros as it has bits after the first.
+    void ue(uint32_t v) {
+        const uint64_t x = static_cast<uint64_t>(v) + 1;
+        const int bits = 64 - __builtin_clzll(x);
+        if (bits > 16) put(0, bits - 1), put(static_cast<uint32_t>(x), bits);
+        else put(static_cast<uint32_t>(x), 2 * bits - 1);
+    }
+    // se(v): positive values map to odd code numbers, zero and negative ones to even.
+    void se(int32_t v) { ue(v > 0 ? 2u * static_cast<uint32_t>(v) - 1 : 2u * static_cast<uint32_t>(-v)); }
+    // rbsp_trailing_bits(): a one, then zeros up to the byte boundary.
+    void trailing() {
+        put(1, 1);
+        if (pending_) put(0, 8 - pending_);
+    }
+    int64_t bit_count() const { return static_cast<int64_t>(bytes_.size()) * 8 + pending_; }
+    // The finished bytes; call after trailing().
+    const std::vector<uint8_t>& bytes() const { return bytes_; }
+    void clear() { bytes_.clear(), acc_ = 0, pending_ = 0; }
+
+private:
+    std::vector<uint8_t> bytes_;
+    uint64_t acc_ = 0;
+    int pending_ = 0;
+};
+
+// Length in bits of ue(v) and se(v), for rate estimates.
+inline int ue_bits(uint32_t v) { return 2 * (31 - __builtin_clz(v + 1)) + 1; }
+inline int se_bits(int32_t v) { return ue_bits(v > 0 ? 2u * static_cast<uint32_t>(v) - 1 : 2u * static_cast<uint32_t>(-v)); }
+
+}  // namespace enc264

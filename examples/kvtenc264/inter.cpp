@@ -1,0 +1,121 @@
+#include "inter.h"
+
+#include "bitwriter.h"
+#include "lib264.h"
+#include "mvpred.h"
+
+namespace enc264 {
+
+namespace {
+
+// Partition p of a macroblock type, in 4x4 units inside the macroblock.
+struct Shape {
+    int x, y, w, h;
+};
+Shape shape_of(MbType t, int p) {
+    switch (t) {
+        case MbType::P16x8: return {0, 2 * p, 4, 2};
+        case MbType::P8x16: return {2 * p, 0, 2, 4};
+        case MbType::P8x8: return {2 * (p & 1), 2 * (p >> 1), 2, 2};
+        default: return {0, 0, 4, 4};
+    }
+}
+
+void set_mv(MbInfo& info, const Shape& s, Mv mv) {
+    for (int y = s.y; y < s.y + s.h; ++y)
+        for (int x = s.x; x < s.x + s.w; ++x) info.mv[x + 4 * y] = mv;
+}
+
+// Luma and chroma prediction of one partition into the reconstruction.
+void predict_partition(FrameState& fs, int mbx, int mby, const Shape& s, Mv mv) {
+    const int x = 16 * mbx + 4 * s.x, y = 16 * mby + 4 * s.y, w = 4 * s.w, h = 4 * s.h;
+    const Plane& ry = fs.ref->y;
+    kvtiInterpolateLuma_H264_8u_C1R(ry.at(x + (mv.x >> 2), y + (mv.y >> 2)), ry.stride(), fs.rec->y.at(x, y),
+                                    fs.rec->y.stride(), mv.x & 3, mv.y & 3, KvtRegionSize{w, h});
+    for (int c = 1; c < 3; ++c) {
+        const Plane& rc = fs.ref->plane(c);
+        kvtiInterpolateChroma_H264_8u_C1R(rc.at(x / 2 + (mv.x >> 3), y / 2 + (mv.y >> 3)), rc.stride(),
+                                          fs.rec->plane(c).at(x / 2, y / 2), fs.rec->plane(c).stride(), mv.x & 7,
+                                          mv.y & 7, KvtRegionSize{w / 2, h / 2});
+    }
+}
+
+int type_bits(MbType t) { return t == MbType::P16x16 ? 1 : t == MbType::P8x8 ? 7 : 3; }
+
+// Searches every partition of type t in order; the vectors go into the macroblock's record.
+InterChoice search_shape(FrameState& fs, int mbx, int mby, MbType t, int lambda, const MvRange& range,
+                         const MotionSearch& ms, MvPredictor& pred, const Mv* seeds, int seed_count) {
+    MbInfo& info = fs.mb(mbx, mby);
+    InterChoice ch;
+    ch.type = t;
+    ch.cost = lambda * type_bits(t);
+    pred.begin(mbx, mby, &info);
+    for (int p = 0; p < partitions(t); ++p) {
+        const Shape s = shape_of(t, p);
+        const Partition part{16 * mbx + 4 * s.x, 16 * mby + 4 * s.y, 4 * s.w, 4 * s.h};
+        ch.mvp[p] = pred.predict(s.x, s.y, s.w, t, p);
+        int cost = 0;
+        ch.mv[p] = ms.search(part, ch.mvp[p], seeds, seed_count, range, &cost);
+        ch.cost += cost;
+        set_mv(info, s, ch.mv[p]);
+        pred.mark(s.x, s.y, s.w, s.h);
+    }
+    return ch;
+}
+
+}  // namespace
+
+InterChoice search_inter(FrameState& fs, int mbx, int mby, int lambda, const MvRange& range) {
+    MbInfo& info = fs.mb(mbx, mby);
+    info = MbInfo{};
+    info.type = MbType::P16x16;
+    const MotionSearch ms(fs.src->y, fs.ref->y, lambda);
+    MvPredictor pred(fs.mbs, fs.mb_cols);
+    Mv seeds[4];
+    int n = 0;
+    seeds[n++] = Mv{};
+    if (mbx) seeds[n++] = fs.mb(mbx - 1, mby).mv[0];
+    if (mby) seeds[n++] = fs.mb(mbx, mby - 1).mv[0];
+    InterChoice best = search_shape(fs, mbx, mby, MbType::P16x16, lambda, range, ms, pred, seeds, n);
+    // Smaller partitions only where the whole-macroblock match is poor, seeded with its vector.
+    if (best.cost > 32 * lambda + 256) {
+        seeds[n++] = best.mv[0];
+        for (MbType t : {MbType::P16x8, MbType::P8x16, MbType::P8x8}) {
+            const InterChoice ch = search_shape(fs, mbx, mby, t, lambda, range, ms, pred, seeds, n);
+            if (ch.cost < best.cost) best = ch;
+        }
+    }
+    info.type = best.type;
+    for (int p = 0; p < partitions(best.type); ++p) set_mv(info, shape_of(best.type, p), best.mv[p]);
+    return best;
+}
+
+bool code_inter_mb(FrameState& fs, int mbx, int mby, int qp, const InterChoice& choice, MbCode& code) {
+    MbInfo& info = fs.mb(mbx, mby);
+    code = MbCode{};
+    code.type = info.type = choice.type;
+    code.qp = qp;
+    for (int p = 0; p < partitions(choice.type); ++p) {
+        const Shape s = shape_of(choice.type, p);
+        set_mv(info, s, choice.mv[p]);
+        predict_partition(fs, mbx, mby, s, choice.mv[p]);
+        code.mvd[p] = Mv{static_cast<int16_t>(choice.mv[p].x - choice.mvp[p].x),
+                         static_cast<int16_t>(choice.mv[p].y - choice.mvp[p].y)};
+    }
+    for (auto& n : info.nnz) n = 0;
+    if (!code_luma_inter(fs.block(0, 16 * mbx, 16 * mby), qp, code, info)) return false;
+    return code_chroma(fs.block(1, 8 * mbx, 8 * mby), fs.block(2, 8 * mbx, 8 * mby), chroma_qp(qp), false, code,
+                       info);
+}
+
+bool try_skip(FrameState& fs, int mbx, int mby, int qp, Mv skip_mv) {
+    InterChoice ch;
+    ch.mv[0] = ch.mvp[0] = skip_mv;
+    MbCode code;
+    if (!code_inter_mb(fs, mbx, mby, qp, ch, code) || code.cbp_luma || code.cbp_chroma) return false;
+    MbInfo& info = fs.mb(mbx, mby);
+    info.type = MbType::PSkip;
+    return true;
+}
+
+}  // namespace enc264
