@@ -16,11 +16,12 @@ uint8_t* row(uint8_t* p, int step, int y) { return p + intptr_t(y) * step; }
 
 // ---- 4x4 luma ----------------------------------------------------------------------------
 
-// The neighbours of a 4x4 block after substitution: U[-1..7] and L[-1..3], U[-1] = L[-1] = M.
+// The neighbours of a 4x4 block after substitution as one edge L[3], L[2], L[1], L[0], M, U[0],
+// .., U[7], so that U[-1] = L[-1] = M.
 struct Edge4 {
-    int u[9], l[5], dc;
-    int U(int i) const { return u[i + 1]; }
-    int L(int i) const { return l[i + 1]; }
+    int edge[13], dc;
+    int U(int i) const { return edge[5 + i]; }
+    int L(int i) const { return edge[3 - i]; }
 };
 
 constexpr unsigned kUpperLeftCorner = kNbUpper | kNbLeft | kNbCorner;
@@ -40,10 +41,11 @@ constexpr unsigned kUses4x4[9] = {kNbUpper,
 Edge4 gather(const uint8_t* p, int step, unsigned read) {
     Edge4 e;
     const uint8_t* above = p - step;
-    for (int i = 0; i < 4; ++i) e.u[i + 1] = read & kNbUpper ? above[i] : 128;
-    for (int i = 4; i < 8; ++i) e.u[i + 1] = read & kNbUpperRight ? above[i] : e.u[4];
-    for (int i = 0; i < 4; ++i) e.l[i + 1] = read & kNbLeft ? p[intptr_t(i) * step - 1] : 128;
-    e.u[0] = e.l[0] = read & kNbCorner ? above[-1] : 128;
+    int* u = e.edge + 5;
+    for (int i = 0; i < 4; ++i) u[i] = read & kNbUpper ? above[i] : 128;
+    for (int i = 4; i < 8; ++i) u[i] = read & kNbUpperRight ? above[i] : u[3];
+    for (int i = 0; i < 4; ++i) e.edge[3 - i] = read & kNbLeft ? p[intptr_t(i) * step - 1] : 128;
+    e.edge[4] = read & kNbCorner ? above[-1] : 128;
     int su = 0, sl = 0;
     for (int i = 0; i < 4; ++i) su += e.U(i), sl += e.L(i);
     const bool up = read & kNbUpper, left = read & kNbLeft;

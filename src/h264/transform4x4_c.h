@@ -12,6 +12,7 @@
 
 #include "common/arith.h"
 #include "common/kernel.h"
+#include "kvtvc.h"
 
 namespace kvt::KVT_C_NS {
 
