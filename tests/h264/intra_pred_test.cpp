@@ -102,7 +102,7 @@ Block4 anchor4x4(int mode, const Nb& e, unsigned avail) {
 }
 
 // Floor division, so that the anchors do not lean on >> of negative values.
-int fdiv(int a, int b) { return int(std::floor(double(a) / b)); }
+int floor_div(int a, int b) { return int(std::floor(double(a) / b)); }
 
 // 16x16 modes (vertical, horizontal, DC, plane) and chroma modes (DC, horizontal, vertical, plane).
 std::vector<uint8_t> anchor_block(int n, int mode, const Nb& e, unsigned avail) {
@@ -115,13 +115,13 @@ std::vector<uint8_t> anchor_block(int n, int mode, const Nb& e, unsigned avail) 
     const auto L = [&](int i) { return i < 0 ? e.M : e.L[i]; };
     for (int i = 1; i <= n / 2; ++i) H += i * (U(n / 2 - 1 + i) - U(n / 2 - 1 - i)), V += i * (L(n / 2 - 1 + i) - L(n / 2 - 1 - i));
     // The chroma plane as the standard writes it for 4:2:0: (34 * H + 32) >> 6.
-    const int b_ = chroma ? fdiv(34 * H + 32, 64) : fdiv(5 * H + 32, 64), c_ = chroma ? fdiv(34 * V + 32, 64) : fdiv(5 * V + 32, 64);
+    const int b_ = chroma ? floor_div(34 * H + 32, 64) : floor_div(5 * H + 32, 64), c_ = chroma ? floor_div(34 * V + 32, 64) : floor_div(5 * V + 32, 64);
     for (int y = 0; y < n; ++y)
         for (int x = 0; x < n; ++x) {
             int v = 0;
             if (kind == 0) v = U(x);
             if (kind == 1) v = L(y);
-            if (kind == 3) v = std::clamp(fdiv(16 * (U(n - 1) + L(n - 1)) + b_ * (x - n / 2 + 1) + c_ * (y - n / 2 + 1) + 16, 32), 0, 255);
+            if (kind == 3) v = std::clamp(floor_div(16 * (U(n - 1) + L(n - 1)) + b_ * (x - n / 2 + 1) + c_ * (y - n / 2 + 1) + 16, 32), 0, 255);
             if (kind == 2) {
                 // Chroma: per 4x4 block at (xO, yO) as H.264 8.3.4.1-3 orders the sources;
                 // 16x16: the whole block at (0, 0).
