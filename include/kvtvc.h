@@ -380,12 +380,13 @@ KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt
  * it): luma reads 2 samples before and 3 after the block in each direction, chroma 1 after. */
 /* Luma quarter-sample position (dx, dy in 0..3) of a 4, 8 or 16 square or 2:1 block (not 4x16, 16x4);
  * -14 when a step is below the width, -5 for dx or dy outside 0..3, -6 for other sizes. */
-KVTAPI KvtStatus kvtiInterpolateLuma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt8u* pDst, Kvt32s dstStep,
-                                                 Kvt32s dx, Kvt32s dy, KvtRegionSize roiSize);
+KVTAPI KvtStatus kvtiInterpolateLuma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt8u* pDst,
+                                                 Kvt32s dstStep, Kvt32s dx, Kvt32s dy, KvtRegionSize roiSize);
 /* Chroma eighth-sample position (dx, dy in 0..7), bilinear; width and height 2, 4 or 8 (not 2x8, 8x2);
  * -14 when a step is below 8, -5 for dx or dy outside 0..7, -6 for other sizes. */
 KVTAPI KvtStatus kvtiInterpolateChroma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt8u* pDst,
-                                                   Kvt32s dstStep, Kvt32s dx, Kvt32s dy, KvtRegionSize roiSize);
+                                                   Kvt32s dstStep, Kvt32s dx, Kvt32s dy,
+                                                   KvtRegionSize roiSize);
 /* pSrc2Dst = clamp(((pSrc1 * weight1 + pSrc2Dst * weight2 + 2^(shift-1)) >> shift) + offset), one step for
  * both blocks; width and height 2, 4, 8 or 16 (-6), step below the width: -14. The rounding term is
  * 1 << ((shift - 1) & 31) and the clamp covers -256..511 (keep the sum in that range). */
@@ -426,20 +427,20 @@ KVTAPI KvtStatus kvtiEncodeChromaDcCoeffsCAVLC_H264_16s(const Kvt16s* pSrc, Kvt8
  * Luma reads 4 samples before edge 0 and writes 3, chroma reads 2 and writes 1; the step is not checked.
  * A null pointer returns -8; nothing else is checked. */
 KVTAPI KvtStatus kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
-                                                              const Kvt8u* pAlpha, const Kvt8u* pBeta,
-                                                              const Kvt8u* pThresholds, const Kvt8u* pBS);
+                                                               const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                               const Kvt8u* pThresholds, const Kvt8u* pBS);
 /* As kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR for the horizontal edges. */
 KVTAPI KvtStatus kvtiFilterDeblockingLuma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
-                                                              const Kvt8u* pAlpha, const Kvt8u* pBeta,
-                                                              const Kvt8u* pThresholds, const Kvt8u* pBS);
+                                                               const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                               const Kvt8u* pThresholds, const Kvt8u* pBS);
 /* Vertical edges 0 and 4 of one 8x8 chroma block (one plane per call). */
 KVTAPI KvtStatus kvtiFilterDeblockingChroma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
-                                                                const Kvt8u* pAlpha, const Kvt8u* pBeta,
-                                                                const Kvt8u* pThresholds, const Kvt8u* pBS);
+                                                                 const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                                 const Kvt8u* pThresholds, const Kvt8u* pBS);
 /* Horizontal edges 0 and 4 of one 8x8 chroma block. */
 KVTAPI KvtStatus kvtiFilterDeblockingChroma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
-                                                                const Kvt8u* pAlpha, const Kvt8u* pBeta,
-                                                                const Kvt8u* pThresholds, const Kvt8u* pBS);
+                                                                 const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                                 const Kvt8u* pThresholds, const Kvt8u* pBS);
 
 /* (end of section) */
 
