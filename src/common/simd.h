@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <cstring>
 
+// Internal linkage: every tier file gets its own copy, built with its own target flags.
 namespace kvt::simd {
+namespace {
 
 inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline __m128i load_aligned(const void* p) { return _mm_load_si128(static_cast<const __m128i*>(p)); }
@@ -32,10 +34,9 @@ inline int32_t hsum_epi32(__m128i v) {
 }
 
 // Sum of the two 64-bit halves of a PSADBW result.
-inline int32_t hsum_sad(__m128i v) {
-    return _mm_cvtsi128_si32(_mm_add_epi32(v, _mm_unpackhi_epi64(v, v)));
-}
+inline int32_t hsum_sad(__m128i v) { return _mm_cvtsi128_si32(_mm_add_epi32(v, _mm_unpackhi_epi64(v, v))); }
 
 inline bool is_aligned16(const void* p) { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; }
 
+}  // namespace
 }  // namespace kvt::simd

@@ -6,7 +6,9 @@
 #include "common/simd.h"
 #include "me/halfpel.h"
 
+// Internal linkage: every tier file gets its own copy, built with its own target flags.
 namespace kvt::simd {
+namespace {
 
 inline __m128i widen_lo(__m128i v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }
 inline __m128i widen_hi(__m128i v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
@@ -95,4 +97,5 @@ inline __m128i add_squares_u8(__m128i acc, __m128i d) {
     return _mm_add_epi32(acc, _mm_add_epi32(_mm_madd_epi16(lo, lo), _mm_madd_epi16(hi, hi)));
 }
 
+}  // namespace
 }  // namespace kvt::simd

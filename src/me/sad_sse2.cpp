@@ -1,9 +1,9 @@
 // SSE2 SAD kernels: PSADBW on byte predictions (halfpel_sse2.h gives the exact fixed rounding).
+#include "common/kernel.h"
 #include "me/halfpel_sse2.h"
-#include "me/phase.h"
-#include "me/sad_kernels.h"
+#include "me/sad_dsp.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
@@ -66,23 +66,14 @@ inline __m128i band_sads4x4(const uint8_t* cur, intptr_t cs, const uint8_t* ref,
                               _mm_shuffle_epi32(right, _MM_SHUFFLE(3, 1, 2, 0)));
 }
 
-}  // namespace
-
-template <int type>
-KvtStatus sad_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
-    sad16<type, false>(cur, cur_step, ref, ref_step, sad);
+template <int type, bool aligned>
+KvtStatus sad_16x16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+    sad16<type, aligned>(cur, cur_step, ref, ref_step, sad);
     return kvtStsOk;
 }
 
 template <int type>
-KvtStatus sad_16x16_a16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                             int32_t* sad) {
-    sad16<type, true>(cur, cur_step, ref, ref_step, sad);
-    return kvtStsOk;
-}
-
-template <int type>
-KvtStatus sad_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_8x8(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     const intptr_t cs = cur_step, rs = ref_step;
     __m128i acc = _mm_setzero_si128();
 #pragma GCC unroll 4
@@ -92,20 +83,12 @@ KvtStatus sad_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int
     return kvtStsOk;
 }
 
-#define KVT_INSTANTIATE(t)                                                                        \
-    template KvtStatus sad_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);     \
-    template KvtStatus sad_16x16_a16_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*); \
-    template KvtStatus sad_8x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
-KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
-#undef KVT_INSTANTIATE
-
-KvtStatus sad_4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
+KvtStatus sad_4x4(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
     *sad = hsum_sad(_mm_sad_epu8(load_4rows4(cur, cur_step), load_4rows4(ref, ref_step)));
     return kvtStsOk;
 }
 
-KvtStatus sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                                   uint16_t* sads) {
+KvtStatus blocks8x8(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
     const intptr_t cs = cur_step, rs = ref_step;
     __m128i half[2];  // 64-bit lanes: left and right quarter of the upper, then the lower half
     for (int h = 0; h < 2; ++h) {
@@ -120,8 +103,7 @@ KvtStatus sad_16x16_blocks8x8_sse2(const uint8_t* cur, int cur_step, const uint8
     return kvtStsOk;
 }
 
-KvtStatus sad_16x16_blocks4x4_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                                   uint16_t* sads) {
+KvtStatus blocks4x4(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, uint16_t* sads) {
     const intptr_t cs = cur_step, rs = ref_step;
     for (int b = 0; b < 4; b += 2, cur += 8 * cs, ref += 8 * rs) {
         const __m128i upper = band_sads4x4(cur, cs, ref, rs);
@@ -131,4 +113,15 @@ KvtStatus sad_16x16_blocks4x4_sse2(const uint8_t* cur, int cur_step, const uint8
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_sad(SadDsp& d) {
+    fill_slots(d.sad16, [](auto p) { return sad_16x16<decltype(p)::value * 4, false>; });
+    fill_slots(d.sad16_a16, [](auto p) { return sad_16x16<decltype(p)::value * 4, true>; });
+    fill_slots(d.sad8, [](auto p) { return sad_8x8<decltype(p)::value * 4>; });
+    d.sad4 = sad_4x4;
+    d.blocks8x8 = blocks8x8;
+    d.blocks4x4 = blocks4x4;
+}
+
+}  // namespace kvt::sse2

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "common/dispatch.h"
+#include "common/kernel.h"
 
 namespace kvt::test {
 
@@ -70,7 +71,9 @@ template <class T>
 class Plane {
 public:
     Plane(int width, int rows, int step, size_t misalign = 0)
-        : rows_(rows), step_(step), buf_(size_t(rows - 1) * size_t(std::abs(step)) / sizeof(T) + size_t(width), misalign) {}
+        : rows_(rows),
+          step_(step),
+          buf_(size_t(rows - 1) * size_t(std::abs(step)) / sizeof(T) + size_t(width), misalign) {}
     int step() const { return step_; }
     T* data() { return shift(buf_.data(), step_ < 0 ? 1 - rows_ : 0); }
     T* row(int y) { return shift(data(), y); }
@@ -78,7 +81,9 @@ public:
     std::vector<uint8_t> bytes() const { return buf_.bytes(); }
 
 private:
-    T* shift(T* p, int rows) { return reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(p) + ptrdiff_t(rows) * step_); }
+    T* shift(T* p, int rows) {
+        return reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(p) + ptrdiff_t(rows) * step_);
+    }
     int rows_, step_;
     Guarded<T> buf_;
 };
@@ -115,9 +120,68 @@ void compare_kernels(const char* what, int trials, Body body) {
         for (size_t i = 0; i < ref.items.size(); ++i) {
             const std::vector<uint8_t>&a = ref.items[i].second, &b = simd.items[i].second;
             ASSERT_TRUE(a == b) << what << ", trial " << t << " (seed " << seed << "): " << ref.items[i].first
-                                << " differs from byte " << std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
+                                << " differs from byte "
+                                << std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
         }
     }
+}
+
+// ---- Tiers --------------------------------------------------------------------------------
+
+// The seed of the random tests: KVT_TEST_SEED from the environment, else a fixed one (CI).
+uint64_t test_seed();
+
+// One instruction-set tier: its name and the flags that build its table (all lower tiers too).
+struct Tier {
+    const char* name;
+    unsigned flags;
+};
+
+// The tiers this build has and this processor runs, C first; the others are named once on stdout.
+const std::vector<Tier>& tiers_to_test();
+
+// Runs body(table, tier) for the table of every testable tier whose kernels differ from the tier
+// below it (a tier that adds nothing to a family is not run twice).
+template <class Dsp, class Body>
+void for_each_tier(void (*init)(Dsp&, unsigned), Body body) {
+    Dsp prev{};
+    bool first = true;
+    for (const Tier& tier : tiers_to_test()) {
+        Dsp d{};
+        init(d, tier.flags);
+        if (!first && std::memcmp(&d, &prev, sizeof d) == 0) continue;
+        SCOPED_TRACE(std::string("tier ") + tier.name);
+        body(static_cast<const Dsp&>(d), tier);
+        prev = d;
+        first = false;
+    }
+}
+
+// Runs body(rng, table, outputs) `trials` times with the oracle table and with every tier's
+// table, each trial from the same seed, and expects identical outputs.
+template <class Dsp, class Body>
+void compare_tiers(const char* what, void (*init)(Dsp&, unsigned), void (*init_ref)(Dsp&), int trials,
+                   Body body) {
+    Dsp oracle{};
+    init_ref(oracle);
+    for_each_tier<Dsp>(init, [&](const Dsp& d, const Tier& tier) {
+        for (int t = 0; t < trials; ++t) {
+            const uint64_t seed = test_seed() + uint64_t(t);
+            Rng r1(seed), r2(seed);
+            Outputs want, got;
+            body(r1, static_cast<const Dsp&>(oracle), want);
+            body(r2, d, got);
+            ASSERT_EQ(want.items.size(), got.items.size()) << what;
+            for (size_t i = 0; i < want.items.size(); ++i) {
+                const std::vector<uint8_t>&a = want.items[i].second, &b = got.items[i].second;
+                ASSERT_TRUE(a == b) << what << " [" << tier.name << "], trial " << t
+                                    << " (KVT_TEST_SEED=" << test_seed() << "): " << want.items[i].first
+                                    << " differs from byte "
+                                    << std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first -
+                                           a.begin();
+            }
+        }
+    });
 }
 
 // Picks the reference or the dispatched kernel of a family by name.

@@ -12,7 +12,7 @@
 #include "me/edges_kernels.h"
 #include "me/phase.h"
 #include "me/residual_kernels.h"
-#include "me/sad_kernels.h"
+#include "me/sad_dsp.h"
 #include "me/sqrdiff_kernels.h"
 #include "me/variance_kernels.h"
 #include "page_guard.h"
@@ -134,18 +134,34 @@ struct Args {
 // block allows) in every phase, phase pair and table entry, taking blocks from blk(w, h, f, b)
 // for a w x h current block whose references take half steps f and b; sink(name, variant) after
 // each call.
+// The oracle's SAD table, or the table the library uses on this processor.
+const SadDsp& sad_table(Impl impl) {
+    static const SadDsp oracle = [] {
+        SadDsp d{};
+        ref::init_sad(d);
+        return d;
+    }();
+    static const SadDsp best = [] {
+        SadDsp d{};
+        init_sad_dsp(d, cpu_flags());
+        return d;
+    }();
+    return impl == Impl::Ref ? oracle : best;
+}
+
 template <class Blocks, class Sink>
 void every_kernel(Impl impl, const Args& a, Blocks&& blk, Sink&& sink) {
     int32_t* const s = reinterpret_cast<int32_t*>(a.s);
+    const SadDsp& sad = sad_table(impl);
     for (int f : kPhaseTypes)
         with_phase(f, [&](auto fp) {
             constexpr int t = decltype(fp)::value;
             const In x = blk(16, 16, t, 0), y = blk(8, 8, t, 0), h = blk(16, 8, t, 0);
             const bool al = aligned16(x.c, x.cs);
-            KVT_PICK_T(impl, sad_16x16, t)(x.c, x.cs, x.r, x.rs, s), sink("sad16x16", t);
-            KVT_PICK_T(impl, sad_8x8, t)(y.c, y.cs, y.r, y.rs, s), sink("sad8x8", t);
+            sad.sad16[t / 4](x.c, x.cs, x.r, x.rs, s), sink("sad16x16", t);
+            sad.sad8[t / 4](y.c, y.cs, y.r, y.rs, s), sink("sad8x8", t);
             KVT_PICK_T(impl, sqrdiff_16x16, t)(x.c, x.cs, x.r, x.rs, s), sink("sqrdiff", t);
-            if (al) KVT_PICK_A16_T(impl, sad_16x16, t)(x.c, x.cs, x.r, x.rs, s), sink("sad16x16 a16", t);
+            if (al) sad.sad16_a16[t / 4](x.c, x.cs, x.r, x.rs, s), sink("sad16x16 a16", t);
             if (al) KVT_PICK_A16_T(impl, sqrdiff_16x16, t)(x.c, x.cs, x.r, x.rs, s), sink("sqrdiff a16", t);
             KVT_PICK_T(impl, varmeandiff_16x16, t)(x.c, x.cs, x.r, x.rs, a.sums, s, s + 4), sink("vmd16", t);
             KVT_PICK_T(impl, varmeandiff_16x8, t)(h.c, h.cs, h.r, h.rs, a.sums, s, s + 4), sink("vmd8", t);
@@ -168,14 +184,14 @@ void every_kernel(Impl impl, const Args& a, Blocks&& blk, Sink&& sink) {
     if (aligned16(x.c, x.cs)) KVT_PICK_A16(impl, variance_16x16)(x.c, x.cs, s), sink("variance a16", 0);
     KVT_PICK(impl, mean_abs_dev_16x16)(x.c, x.cs, s), sink("mad", 0);
     KVT_PICK(impl, edges_16x16)(x.c, x.cs, a.et, a.en, a.s), sink("edges", 0);
-    KVT_PICK(impl, sad_16x16_blocks8x8)(x.c, x.cs, x.r, x.rs, u16), sink("blocks8x8", 0);
-    KVT_PICK(impl, sad_16x16_blocks4x4)(x.c, x.cs, x.r, x.rs, u16), sink("blocks4x4", 0);
+    sad.blocks8x8(x.c, x.cs, x.r, x.rs, u16), sink("blocks8x8", 0);
+    sad.blocks4x4(x.c, x.cs, x.r, x.rs, u16), sink("blocks4x4", 0);
     KVT_PICK(impl, sums_diff_16x16)(x.c, x.cs, x.r, x.rs, s16, tiles), sink("sums16", 0);
     KVT_PICK(impl, varmean_8x8_8u)(y.c, y.cs, s, s + 1), sink("varmean", 0);
     KVT_PICK(impl, varmean_8x8_16s)(a.w, a.ws, s, s + 1), sink("varmean 16s", 0);
     KVT_PICK(impl, sums_diff_8x8)(y.c, y.cs, y.r, y.rs, s16, tiles), sink("sums8", 0);
     KVT_PICK(impl, texture_error)(y.c, y.cs, a.tp, a.tiles, a.rc ? s : nullptr), sink("texture error", 0);
-    KVT_PICK(impl, sad_4x4)(q.c, q.cs, q.r, q.rs, s), sink("sad4x4", 0);
+    sad.sad4(q.c, q.cs, q.r, q.rs, s), sink("sad4x4", 0);
     get_diff_4x4_ref(q.c, q.cs, q.r, q.rs, a.diff, a.ds), sink("get_diff 4x4", 0);
     for (const Size& z : kSizes)
         for (int i = 0; i < 16; ++i) {  // variant: size and table entry
