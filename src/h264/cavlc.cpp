@@ -11,7 +11,8 @@ KVT_DSP_TABLE(CavlcDsp, init_cavlc_dsp) dsp;
 
 KvtStatus kvtiEncodeCoeffsCAVLC_H264_16s(const Kvt16s* pSrc, Kvt8u firstIdx, const Kvt32u* pScan,
                                          Kvt8u lastIdx, Kvt8u* pTrailingOnes, Kvt8u* pTrailingOneSigns,
-                                         Kvt8u* pNumCoeffs, Kvt8u* pTotalZeros, Kvt16s* pLevels, Kvt8u* pRuns) {
+                                         Kvt8u* pNumCoeffs, Kvt8u* pTotalZeros, Kvt16s* pLevels,
+                                         Kvt8u* pRuns) {
     if (!pSrc || !pScan || !pTrailingOnes || !pTrailingOneSigns || !pNumCoeffs || !pTotalZeros || !pLevels ||
         !pRuns)
         return kvtStsNullPointer;

@@ -29,8 +29,12 @@ struct CavlcDsp {
     CavlcChromaDcFn chroma_dc;
 };
 
-namespace c { void init_cavlc(CavlcDsp& d); }
-namespace ref { void init_cavlc(CavlcDsp& d); }
+namespace c {
+void init_cavlc(CavlcDsp& d);
+}
+namespace ref {
+void init_cavlc(CavlcDsp& d);
+}
 
 void init_cavlc_dsp(CavlcDsp& d, unsigned cpu_flags);
 

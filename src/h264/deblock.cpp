@@ -13,16 +13,16 @@ bool any_null(const void* a, const void* b, const void* c, const void* d, const 
 }
 }  // namespace
 
-KvtStatus kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep, const Kvt8u* pAlpha,
-                                                        const Kvt8u* pBeta, const Kvt8u* pThresholds,
-                                                        const Kvt8u* pBS) {
+KvtStatus kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                        const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                        const Kvt8u* pThresholds, const Kvt8u* pBS) {
     if (any_null(pSrcDst, pAlpha, pBeta, pThresholds, pBS)) return kvtStsNullPointer;
     return dsp.luma_ver(pSrcDst, srcDstStep, pAlpha, pBeta, pThresholds, pBS);
 }
 
-KvtStatus kvtiFilterDeblockingLuma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep, const Kvt8u* pAlpha,
-                                                        const Kvt8u* pBeta, const Kvt8u* pThresholds,
-                                                        const Kvt8u* pBS) {
+KvtStatus kvtiFilterDeblockingLuma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                        const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                        const Kvt8u* pThresholds, const Kvt8u* pBS) {
     if (any_null(pSrcDst, pAlpha, pBeta, pThresholds, pBS)) return kvtStsNullPointer;
     return dsp.luma_hor(pSrcDst, srcDstStep, pAlpha, pBeta, pThresholds, pBS);
 }

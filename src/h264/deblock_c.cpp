@@ -76,8 +76,10 @@ KvtStatus edges(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* b
             const int seg = i / lines_per_segment, s = bs[4 * bs_edge + seg];
             const Line l{p + 4 * e * across + i * along, across};
             if (s == 0 || !l.active(alpha[inner], beta[inner])) continue;
-            if (s < 4) normal(l, beta[inner], tc0[4 * e + seg], luma);
-            else strong(l, alpha[inner], beta[inner], luma);
+            if (s < 4)
+                normal(l, beta[inner], tc0[4 * e + seg], luma);
+            else
+                strong(l, alpha[inner], beta[inner], luma);
         }
     }
     return kvtStsOk;

@@ -20,11 +20,21 @@ struct DeblockDsp {
     DeblockFn chroma_hor;
 };
 
-namespace c { void init_deblock(DeblockDsp& d); }
-namespace ref { void init_deblock(DeblockDsp& d); }
-namespace sse2 { void init_deblock(DeblockDsp& d); }
-namespace ssse3 { void init_deblock(DeblockDsp& d); }
-namespace avx2 { void init_deblock(DeblockDsp& d); }
+namespace c {
+void init_deblock(DeblockDsp& d);
+}
+namespace ref {
+void init_deblock(DeblockDsp& d);
+}
+namespace sse2 {
+void init_deblock(DeblockDsp& d);
+}
+namespace ssse3 {
+void init_deblock(DeblockDsp& d);
+}
+namespace avx2 {
+void init_deblock(DeblockDsp& d);
+}
 
 void init_deblock_dsp(DeblockDsp& d, unsigned cpu_flags);
 

@@ -24,11 +24,21 @@ struct InterpDsp {
     ChromaInterpFn chroma[3];  // [width_class(2 * width)]
 };
 
-namespace c { void init_interp(InterpDsp& d); }
-namespace ref { void init_interp(InterpDsp& d); }
-namespace sse2 { void init_interp(InterpDsp& d); }
-namespace ssse3 { void init_interp(InterpDsp& d); }
-namespace avx2 { void init_interp(InterpDsp& d); }
+namespace c {
+void init_interp(InterpDsp& d);
+}
+namespace ref {
+void init_interp(InterpDsp& d);
+}
+namespace sse2 {
+void init_interp(InterpDsp& d);
+}
+namespace ssse3 {
+void init_interp(InterpDsp& d);
+}
+namespace avx2 {
+void init_interp(InterpDsp& d);
+}
 
 void init_interp_dsp(InterpDsp& d, unsigned cpu_flags);
 

@@ -20,10 +20,18 @@ struct WeightDsp {
     WeightFn average_wide[4];  // any 32-bit weights
 };
 
-namespace c { void init_weight(WeightDsp& d); }
-namespace ref { void init_weight(WeightDsp& d); }
-namespace sse2 { void init_weight(WeightDsp& d); }
-namespace avx2 { void init_weight(WeightDsp& d); }
+namespace c {
+void init_weight(WeightDsp& d);
+}
+namespace ref {
+void init_weight(WeightDsp& d);
+}
+namespace sse2 {
+void init_weight(WeightDsp& d);
+}
+namespace avx2 {
+void init_weight(WeightDsp& d);
+}
 
 void init_weight_dsp(WeightDsp& d, unsigned cpu_flags);
 
