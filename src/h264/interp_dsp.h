@@ -1,0 +1,45 @@
+// Kernel table of H.264 inter prediction (H.264 8.4.2.2): luma quarter-sample and chroma
+// eighth-sample interpolation of 8-bit pictures. Blocks are a pointer to the integer sample at the
+// block's top-left corner and a byte step; the destination is written row by row.
+#pragma once
+
+#include <cstdint>
+
+#include "kvtvc.h"
+
+namespace kvt {
+
+// One luma position of a block of the slot's width and `height` rows.
+using LumaInterpFn = KvtStatus (*)(const uint8_t* src, int32_t src_step, uint8_t* dst, int32_t dst_step,
+                                   int height);
+// Bilinear chroma prediction at (dx, dy) eighths, a block of the slot's width and `height` rows.
+using ChromaInterpFn = KvtStatus (*)(const uint8_t* src, int32_t src_step, uint8_t* dst, int32_t dst_step,
+                                     int dx, int dy, int height);
+
+// Block widths 4, 8, 16 (luma) and 2, 4, 8 (chroma) index the tables through width_class().
+constexpr int width_class(int width) { return width >> 3; }
+
+struct InterpDsp {
+    LumaInterpFn luma[3][16];  // [width_class][dx * 4 + dy]
+    ChromaInterpFn chroma[3];  // [width_class(2 * width)]
+};
+
+namespace c {
+void init_interp(InterpDsp& d);
+}
+namespace ref {
+void init_interp(InterpDsp& d);
+}
+namespace sse2 {
+void init_interp(InterpDsp& d);
+}
+namespace ssse3 {
+void init_interp(InterpDsp& d);
+}
+namespace avx2 {
+void init_interp(InterpDsp& d);
+}
+
+void init_interp_dsp(InterpDsp& d, unsigned cpu_flags);
+
+}  // namespace kvt
