@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "lib264.h"
+#include <kvtvc.h>
 #include "tables.h"
 
 namespace enc264 {
@@ -55,9 +55,9 @@ int write_elements(BitWriter& bw, const Elements& e, int max_coeff, int nc) {
     return e.total;
 }
 
-const Kvt32s* zigzag() {
+const Kvt32u* zigzag() {
     static const struct Scan {
-        Kvt32s pos[16];
+        Kvt32u pos[16];
         Scan() {
             for (int i = 0; i < 16; ++i) pos[i] = kZigzag4x4[i];
         }

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "lib264.h"
+#include <kvtvc.h>
 #include "tables.h"
 
 namespace enc264 {

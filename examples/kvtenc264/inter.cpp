@@ -1,7 +1,7 @@
 #include "inter.h"
 
 #include "bitwriter.h"
-#include "lib264.h"
+#include <kvtvc.h>
 #include "mvpred.h"
 
 namespace enc264 {

@@ -1,6 +1,6 @@
 #include "intra.h"
 
-#include "lib264.h"
+#include <kvtvc.h>
 
 namespace enc264 {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "bitwriter.h"
-#include "lib264.h"
+#include <kvtvc.h>
 
 namespace enc264 {
 

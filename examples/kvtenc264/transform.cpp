@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "lib264.h"
+#include <kvtvc.h>
 #include "tables.h"
 
 namespace enc264 {
