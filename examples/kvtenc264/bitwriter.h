@@ -22,8 +22,10 @@ public:
     void ue(uint32_t v) {
         const uint64_t x = static_cast<uint64_t>(v) + 1;
         const int bits = 64 - __builtin_clzll(x);
-        if (bits > 16) put(0, bits - 1), put(static_cast<uint32_t>(x), bits);
-        else put(static_cast<uint32_t>(x), 2 * bits - 1);
+        if (bits > 16)
+            put(0, bits - 1), put(static_cast<uint32_t>(x), bits);
+        else
+            put(static_cast<uint32_t>(x), 2 * bits - 1);
     }
     // se(v): positive values map to odd code numbers, zero and negative ones to even.
     void se(int32_t v) { ue(v > 0 ? 2u * static_cast<uint32_t>(v) - 1 : 2u * static_cast<uint32_t>(-v)); }
@@ -45,6 +47,8 @@ private:
 
 // Length in bits of ue(v) and se(v), for rate estimates.
 inline int ue_bits(uint32_t v) { return 2 * (31 - __builtin_clz(v + 1)) + 1; }
-inline int se_bits(int32_t v) { return ue_bits(v > 0 ? 2u * static_cast<uint32_t>(v) - 1 : 2u * static_cast<uint32_t>(-v)); }
+inline int se_bits(int32_t v) {
+    return ue_bits(v > 0 ? 2u * static_cast<uint32_t>(v) - 1 : 2u * static_cast<uint32_t>(-v));
+}
 
 }  // namespace enc264

@@ -22,9 +22,12 @@ void write_level(BitWriter& bw, int level, int suffix_length, bool first_after_s
     int code = level > 0 ? 2 * level - 2 : -2 * level - 1;
     if (first_after_short_ones) code -= 2;
     if (suffix_length == 0) {
-        if (code < 14) bw.put(1, code + 1);                                // prefix only
-        else if (code < 30) bw.put(1, 15), bw.put(code - 14, 4);           // prefix 14, 4-bit suffix
-        else bw.put(1, 16), bw.put(code - 30, 12);                         // prefix 15, 12-bit suffix
+        if (code < 14)
+            bw.put(1, code + 1);  // prefix only
+        else if (code < 30)
+            bw.put(1, 15), bw.put(code - 14, 4);  // prefix 14, 4-bit suffix
+        else
+            bw.put(1, 16), bw.put(code - 30, 12);  // prefix 15, 12-bit suffix
     } else if (code < (15 << suffix_length)) {
         bw.put(1, (code >> suffix_length) + 1);
         bw.put(code & ((1 << suffix_length) - 1), suffix_length);
@@ -46,7 +49,8 @@ int write_elements(BitWriter& bw, const Elements& e, int max_coeff, int nc) {
         if (std::abs(level) > (3 << (suffix_length - 1)) && suffix_length < 6) ++suffix_length;
     }
     if (e.total < max_coeff)
-        put(bw, max_coeff == 4 ? kTotalZerosChromaDc[e.total][e.total_zeros] : kTotalZeros[e.total][e.total_zeros]);
+        put(bw, max_coeff == 4 ? kTotalZerosChromaDc[e.total][e.total_zeros]
+                               : kTotalZeros[e.total][e.total_zeros]);
     int zeros_left = e.total_zeros;
     for (int i = 0; i < e.total - 1 && zeros_left > 0; ++i) {
         put(bw, kRunBefore[zeros_left < 7 ? zeros_left : 7][e.runs[i]]);
@@ -69,15 +73,15 @@ const Kvt32u* zigzag() {
 
 int write_block_cavlc(BitWriter& bw, const int16_t* levels, int first, int nc) {
     Elements e;
-    kvtiEncodeCoeffsCAVLC_H264_16s(levels, static_cast<Kvt8u>(first), zigzag(), 15, &e.trailing_ones, &e.signs,
-                                   &e.total, &e.total_zeros, e.levels, e.runs);
+    kvtiEncodeCoeffsCAVLC_H264_16s(levels, static_cast<Kvt8u>(first), zigzag(), 15, &e.trailing_ones,
+                                   &e.signs, &e.total, &e.total_zeros, e.levels, e.runs);
     return write_elements(bw, e, 16 - first, nc);
 }
 
 int write_chroma_dc_cavlc(BitWriter& bw, const int16_t* levels) {
     Elements e;
-    kvtiEncodeChromaDcCoeffsCAVLC_H264_16s(levels, &e.trailing_ones, &e.signs, &e.total, &e.total_zeros, e.levels,
-                                           e.runs);
+    kvtiEncodeChromaDcCoeffsCAVLC_H264_16s(levels, &e.trailing_ones, &e.signs, &e.total, &e.total_zeros,
+                                           e.levels, e.runs);
     return write_elements(bw, e, 4, -1);
 }
 

@@ -19,11 +19,13 @@ struct FrameState {
 
     MbInfo& mb(int mbx, int mby) { return mbs[static_cast<size_t>(mby) * mb_cols + mbx]; }
     Neighbours neighbours(int mbx, int mby) {
-        return Neighbours(mbx ? &mb(mbx - 1, mby) : nullptr, mby ? &mb(mbx, mby - 1) : nullptr, &mb(mbx, mby));
+        return Neighbours(mbx ? &mb(mbx - 1, mby) : nullptr, mby ? &mb(mbx, mby - 1) : nullptr,
+                          &mb(mbx, mby));
     }
     // Source and reconstruction of a plane (0 Y, 1 Cb, 2 Cr) from sample (x, y).
     Block block(int c, int x, int y) {
-        return Block{src->plane(c).at(x, y), src->plane(c).stride(), rec->plane(c).at(x, y), rec->plane(c).stride()};
+        return Block{src->plane(c).at(x, y), src->plane(c).stride(), rec->plane(c).at(x, y),
+                     rec->plane(c).stride()};
     }
 };
 

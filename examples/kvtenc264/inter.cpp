@@ -1,7 +1,7 @@
 #include "inter.h"
 
-#include "bitwriter.h"
 #include <kvtvc.h>
+#include "bitwriter.h"
 #include "mvpred.h"
 
 namespace enc264 {
@@ -14,10 +14,14 @@ struct Shape {
 };
 Shape shape_of(MbType t, int p) {
     switch (t) {
-        case MbType::P16x8: return {0, 2 * p, 4, 2};
-        case MbType::P8x16: return {2 * p, 0, 2, 4};
-        case MbType::P8x8: return {2 * (p & 1), 2 * (p >> 1), 2, 2};
-        default: return {0, 0, 4, 4};
+        case MbType::P16x8:
+            return {0, 2 * p, 4, 2};
+        case MbType::P8x16:
+            return {2 * p, 0, 2, 4};
+        case MbType::P8x8:
+            return {2 * (p & 1), 2 * (p >> 1), 2, 2};
+        default:
+            return {0, 0, 4, 4};
     }
 }
 
@@ -35,8 +39,8 @@ void predict_partition(FrameState& fs, int mbx, int mby, const Shape& s, Mv mv) 
     for (int c = 1; c < 3; ++c) {
         const Plane& rc = fs.ref->plane(c);
         kvtiInterpolateChroma_H264_8u_C1R(rc.at(x / 2 + (mv.x >> 3), y / 2 + (mv.y >> 3)), rc.stride(),
-                                          fs.rec->plane(c).at(x / 2, y / 2), fs.rec->plane(c).stride(), mv.x & 7,
-                                          mv.y & 7, KvtRegionSize{w / 2, h / 2});
+                                          fs.rec->plane(c).at(x / 2, y / 2), fs.rec->plane(c).stride(),
+                                          mv.x & 7, mv.y & 7, KvtRegionSize{w / 2, h / 2});
     }
 }
 
@@ -104,8 +108,8 @@ bool code_inter_mb(FrameState& fs, int mbx, int mby, int qp, const InterChoice& 
     }
     for (auto& n : info.nnz) n = 0;
     if (!code_luma_inter(fs.block(0, 16 * mbx, 16 * mby), qp, code, info)) return false;
-    return code_chroma(fs.block(1, 8 * mbx, 8 * mby), fs.block(2, 8 * mbx, 8 * mby), chroma_qp(qp), false, code,
-                       info);
+    return code_chroma(fs.block(1, 8 * mbx, 8 * mby), fs.block(2, 8 * mbx, 8 * mby), chroma_qp(qp), false,
+                       code, info);
 }
 
 bool try_skip(FrameState& fs, int mbx, int mby, int qp, Mv skip_mv) {

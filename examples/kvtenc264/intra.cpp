@@ -35,10 +35,17 @@ Kvt32u block_availability(const FrameState& fs, int mbx, int mby, int r, int k) 
 
 bool mode_allowed_4x4(int mode, Kvt32u avail) {
     switch (mode) {
-        case 0: case 3: case 7: return avail & kUp;
-        case 1: case 8: return avail & kLeft;
-        case 2: return true;
-        default: return (avail & (kUp | kLeft | kCorner)) == (kUp | kLeft | kCorner);
+        case 0:
+        case 3:
+        case 7:
+            return avail & kUp;
+        case 1:
+        case 8:
+            return avail & kLeft;
+        case 2:
+            return true;
+        default:
+            return (avail & (kUp | kLeft | kCorner)) == (kUp | kLeft | kCorner);
     }
 }
 
@@ -144,7 +151,8 @@ bool code_intra_mb(FrameState& fs, int mbx, int mby, int qp, int lambda, MbCode&
     code.type = use16 ? MbType::I16x16 : MbType::I4x4;
     info.type = code.type;
     code.chroma_mode = best_chroma_mode(fs, mbx, mby);
-    return code_chroma(fs.block(1, 8 * mbx, 8 * mby), fs.block(2, 8 * mbx, 8 * mby), chroma_qp(qp), true, code, info);
+    return code_chroma(fs.block(1, 8 * mbx, 8 * mby), fs.block(2, 8 * mbx, 8 * mby), chroma_qp(qp), true,
+                       code, info);
 }
 
 }  // namespace enc264

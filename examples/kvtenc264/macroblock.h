@@ -23,24 +23,24 @@ constexpr int kDecodeOrder[16] = {0, 1, 4, 5, 2, 3, 6, 7, 8, 9, 12, 13, 10, 11, 
 
 struct MbInfo {
     MbType type = MbType::I16x16;
-    int qp = 0;                 // QPY, as the decoder derives it
-    int8_t i4_mode[16] = {};    // Intra4x4PredMode per raster block (I4x4 only)
-    uint8_t nnz[16] = {};       // TotalCoeff of each coded luma 4x4 block (AC only for I16x16)
+    int qp = 0;                     // QPY, as the decoder derives it
+    int8_t i4_mode[16] = {};        // Intra4x4PredMode per raster block (I4x4 only)
+    uint8_t nnz[16] = {};           // TotalCoeff of each coded luma 4x4 block (AC only for I16x16)
     uint8_t nnz_chroma[2][4] = {};  // TotalCoeff of the chroma AC blocks, Cb then Cr
-    Mv mv[16];                  // per raster block (P macroblocks)
+    Mv mv[16];                      // per raster block (P macroblocks)
 };
 
 // Levels and syntax values of one coded macroblock.
 struct MbCode {
     MbType type = MbType::I16x16;
     int i16_mode = 0, chroma_mode = 0;
-    int qp = 0;                    // the QP the levels were quantized with
-    int8_t i4_mode[16] = {};       // per raster block
-    Mv mvd[4];                     // per partition (16x16: 1, 16x8/8x16: 2, 8x8: 4)
-    int cbp_luma = 0;              // bit b: 8x8 block b has coefficients (I16x16: 0 or 15)
-    int cbp_chroma = 0;            // 0 none, 1 DC only, 2 DC and AC
-    int16_t luma[16][16] = {};     // levels per raster block, raster positions
-    int16_t luma_dc[16] = {};      // I16x16 DC levels, raster block positions
+    int qp = 0;                 // the QP the levels were quantized with
+    int8_t i4_mode[16] = {};    // per raster block
+    Mv mvd[4];                  // per partition (16x16: 1, 16x8/8x16: 2, 8x8: 4)
+    int cbp_luma = 0;           // bit b: 8x8 block b has coefficients (I16x16: 0 or 15)
+    int cbp_chroma = 0;         // 0 none, 1 DC only, 2 DC and AC
+    int16_t luma[16][16] = {};  // levels per raster block, raster positions
+    int16_t luma_dc[16] = {};   // I16x16 DC levels, raster block positions
     int16_t chroma_dc[2][4] = {};
     int16_t chroma_ac[2][4][16] = {};
 };

@@ -58,7 +58,8 @@ int main(int argc, char** argv) {
     File out = open_file(opt.output, "wb");
     if (!out) return fail("cannot create output '" + opt.output + "'");
     File recon(nullptr, &std::fclose);
-    if (!opt.recon.empty() && !(recon = open_file(opt.recon, "wb"))) return fail("cannot create '" + opt.recon + "'");
+    if (!opt.recon.empty() && !(recon = open_file(opt.recon, "wb")))
+        return fail("cannot create '" + opt.recon + "'");
 
     EncoderConfig cfg;
     cfg.width = opt.width, cfg.height = opt.height, cfg.qp = opt.qp, cfg.keyint = opt.keyint;
@@ -73,13 +74,17 @@ int main(int argc, char** argv) {
     while (opt.frames < 0 || frames < opt.frames) {
         if (!reader.read(pic)) {
             if (reader.short_frame()) return fail("input ends inside frame " + std::to_string(frames));
-            if (opt.frames >= 0) return fail("input holds " + std::to_string(frames) + " frames, -n asks for " + std::to_string(opt.frames));
+            if (opt.frames >= 0)
+                return fail("input holds " + std::to_string(frames) + " frames, -n asks for " +
+                            std::to_string(opt.frames));
             break;
         }
         bytes.clear();
         enc.encode(pic, bytes);
-        if (std::fwrite(bytes.data(), 1, bytes.size(), out.get()) != bytes.size()) return fail("cannot write output");
-        if (recon && !write_yuv(recon.get(), enc.reconstruction(), opt.width, opt.height)) return fail("cannot write reconstruction");
+        if (std::fwrite(bytes.data(), 1, bytes.size(), out.get()) != bytes.size())
+            return fail("cannot write output");
+        if (recon && !write_yuv(recon.get(), enc.reconstruction(), opt.width, opt.height))
+            return fail("cannot write reconstruction");
         dist.add(pic, enc.reconstruction(), opt.width, opt.height);
         total_bytes += static_cast<long long>(bytes.size());
         ++frames;
@@ -87,10 +92,11 @@ int main(int argc, char** argv) {
     if (frames == 0) return fail("input '" + opt.input + "' holds no frame");
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     const double luma = static_cast<double>(opt.width) * opt.height * frames;
-    std::fprintf(stderr,
-                 "kvtenc264: %d frames %dx%d QP %d, %.1f kbit/s at 25 fps (%lld bytes), PSNR Y %.2f U %.2f V %.2f dB, "
-                 "%.1f fps\n",
-                 frames, opt.width, opt.height, opt.qp, total_bytes * 8.0 * 25 / frames / 1000, total_bytes,
-                 dist.psnr(0, luma), dist.psnr(1, luma / 4), dist.psnr(2, luma / 4), frames / seconds);
+    std::fprintf(
+        stderr,
+        "kvtenc264: %d frames %dx%d QP %d, %.1f kbit/s at 25 fps (%lld bytes), PSNR Y %.2f U %.2f V %.2f dB, "
+        "%.1f fps\n",
+        frames, opt.width, opt.height, opt.qp, total_bytes * 8.0 * 25 / frames / 1000, total_bytes,
+        dist.psnr(0, luma), dist.psnr(1, luma / 4), dist.psnr(2, luma / 4), frames / seconds);
     return 0;
 }

@@ -17,13 +17,18 @@ const uint8_t kCbpInter[48] = {0,  16, 1,  2,  4,  8,  32, 3,  5,  10, 12, 15, 4
 int mb_type_code(const MbCode& mb, bool p_slice) {
     const int intra_base = p_slice ? 5 : 0;
     switch (mb.type) {
-        case MbType::I4x4: return intra_base;
+        case MbType::I4x4:
+            return intra_base;
         case MbType::I16x16:
             return intra_base + 1 + mb.i16_mode + 4 * mb.cbp_chroma + (mb.cbp_luma ? 12 : 0);
-        case MbType::P16x16: return 0;
-        case MbType::P16x8: return 1;
-        case MbType::P8x16: return 2;
-        default: return 3;  // P_8x8 (P_Skip is not written here)
+        case MbType::P16x16:
+            return 0;
+        case MbType::P16x8:
+            return 1;
+        case MbType::P8x16:
+            return 2;
+        default:
+            return 3;  // P_8x8 (P_Skip is not written here)
     }
 }
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "bitwriter.h"
 #include <kvtvc.h>
+#include "bitwriter.h"
 
 namespace enc264 {
 
@@ -41,7 +41,8 @@ int MotionSearch::sad(const Partition& p, Mv mv) const {
     }
     for (int y = 0; y < p.h; y += 8)
         for (int x = 0; x < p.w; x += 8) {
-            kvtiSAD8x8_8u32s_C1R(cur + y * src_.stride() + x, src_.stride(), ref + y * ref_step + x, ref_step, &part, 0);
+            kvtiSAD8x8_8u32s_C1R(cur + y * src_.stride() + x, src_.stride(), ref + y * ref_step + x, ref_step,
+                                 &part, 0);
             total += part;
         }
     return total;
@@ -69,7 +70,8 @@ Mv MotionSearch::search(const Partition& p, Mv mvp, const Mv* candidates, int co
     for (int iter = 0; iter < 16; ++iter) {
         const Mv center = best;
         for (const auto& d : kDiamond) {
-            const Mv m = range.clamp(Mv{static_cast<int16_t>(center.x + 4 * d[0]), static_cast<int16_t>(center.y + 4 * d[1])});
+            const Mv m = range.clamp(
+                Mv{static_cast<int16_t>(center.x + 4 * d[0]), static_cast<int16_t>(center.y + 4 * d[1])});
             if (m == center) continue;
             const int c = eval(m);
             if (c < best_cost) best_cost = c, best = m;
@@ -80,8 +82,8 @@ Mv MotionSearch::search(const Partition& p, Mv mvp, const Mv* candidates, int co
     for (int step = 2; step >= 1; step /= 2) {
         const Mv center = best;
         for (const auto& d : kSquare) {
-            const Mv m = range.clamp(
-                Mv{static_cast<int16_t>(center.x + step * d[0]), static_cast<int16_t>(center.y + step * d[1])});
+            const Mv m = range.clamp(Mv{static_cast<int16_t>(center.x + step * d[0]),
+                                        static_cast<int16_t>(center.y + step * d[1])});
             if (m == center) continue;
             const int c = eval(m);
             if (c < best_cost) best_cost = c, best = m;

@@ -17,8 +17,8 @@ public:
     }
     // Marks the 4x4 blocks of a partition (x, y, w, h in 4x4 units) decided in cur.
     void mark(int x, int y, int w, int h);
-    // mvpLX of the partition whose top-left 4x4 block is (x, y) and which is w blocks wide; shape is the macroblock's type and
-    // part the partition index, for the directional rules of 16x8 and 8x16.
+    // mvpLX of the partition whose top-left 4x4 block is (x, y) and which is w blocks wide; shape is the
+    // macroblock's type and part the partition index, for the directional rules of 16x8 and 8x16.
     Mv predict(int x, int y, int w, MbType shape, int part) const;
     // mvL0 of a P_Skip macroblock here.
     Mv skip() const;

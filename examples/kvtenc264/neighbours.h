@@ -9,7 +9,8 @@ namespace enc264 {
 class Neighbours {
 public:
     // left and above are null at the picture's edges; cur is the macroblock being coded.
-    Neighbours(const MbInfo* left, const MbInfo* above, const MbInfo* cur) : left_(left), above_(above), cur_(cur) {}
+    Neighbours(const MbInfo* left, const MbInfo* above, const MbInfo* cur)
+        : left_(left), above_(above), cur_(cur) {}
 
     // predIntra4x4PredMode of raster block r, from the modes already stored in cur.
     int predicted_i4_mode(int r) const {
@@ -33,7 +34,8 @@ public:
         const int x = k & 1, y = k >> 1;
         const MbInfo* a = x ? cur_ : left_;
         const MbInfo* b = y ? cur_ : above_;
-        return combine(a, a ? a->nnz_chroma[c][(x ^ 1) + 2 * y] : 0, b, b ? b->nnz_chroma[c][x + 2 * (y ^ 1)] : 0);
+        return combine(a, a ? a->nnz_chroma[c][(x ^ 1) + 2 * y] : 0, b,
+                       b ? b->nnz_chroma[c][x + 2 * (y ^ 1)] : 0);
     }
 
 private:

@@ -37,21 +37,27 @@ bool parse_options(int argc, char** argv, Options* opt, std::string* error) {
     bool have_size = false;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
-        const bool known = a == "-i" || a == "-o" || a == "-s" || a == "-n" || a == "--qp" || a == "--keyint" ||
-                           a == "--recon";
+        const bool known = a == "-i" || a == "-o" || a == "-s" || a == "-n" || a == "--qp" ||
+                           a == "--keyint" || a == "--recon";
         if (!known) return *error = "unknown argument '" + a + "'", false;
         if (i + 1 >= argc) return *error = a + " needs a value", false;
         const char* v = argv[++i];
-        if (a == "-i") opt->input = v;
-        else if (a == "-o") opt->output = v;
-        else if (a == "--recon") opt->recon = v;
+        if (a == "-i")
+            opt->input = v;
+        else if (a == "-o")
+            opt->output = v;
+        else if (a == "--recon")
+            opt->recon = v;
         else if (a == "-s") {
-            if (!parse_size(v, &opt->width, &opt->height)) return *error = "bad size '" + std::string(v) + "' (WxH)", false;
+            if (!parse_size(v, &opt->width, &opt->height))
+                return *error = "bad size '" + std::string(v) + "' (WxH)", false;
             have_size = true;
         } else if (a == "-n") {
-            if (!parse_int(v, 1, 1 << 30, &opt->frames)) return *error = "bad frame count '" + std::string(v) + "'", false;
+            if (!parse_int(v, 1, 1 << 30, &opt->frames))
+                return *error = "bad frame count '" + std::string(v) + "'", false;
         } else if (a == "--qp") {
-            if (!parse_int(v, 0, 51, &opt->qp)) return *error = "bad QP '" + std::string(v) + "' (0..51)", false;
+            if (!parse_int(v, 0, 51, &opt->qp))
+                return *error = "bad QP '" + std::string(v) + "' (0..51)", false;
         } else if (!parse_int(v, 1, 1 << 30, &opt->keyint)) {
             return *error = "bad keyint '" + std::string(v) + "' (1 or more)", false;
         }

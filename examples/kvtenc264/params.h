@@ -21,10 +21,10 @@ std::vector<uint8_t> sps_rbsp(const StreamParams& sp);
 std::vector<uint8_t> pps_rbsp();
 
 struct SliceParams {
-    bool idr = true;      // an IDR picture (always an I slice)
-    int frame_num = 0;    // counts reference pictures since the last IDR, modulo 2^kLog2MaxFrameNum
-    int idr_pic_id = 0;   // differs between consecutive IDR pictures
-    int qp = 26;          // SliceQPY
+    bool idr = true;     // an IDR picture (always an I slice)
+    int frame_num = 0;   // counts reference pictures since the last IDR, modulo 2^kLog2MaxFrameNum
+    int idr_pic_id = 0;  // differs between consecutive IDR pictures
+    int qp = 26;         // SliceQPY
 };
 
 void write_slice_header(BitWriter& bw, const SliceParams& s);

@@ -31,7 +31,8 @@ private:
 struct Picture {
     Picture() = default;
     Picture(int mb_cols, int mb_rows, int border)
-        : y(16 * mb_cols, 16 * mb_rows, border), u(8 * mb_cols, 8 * mb_rows, border / 2),
+        : y(16 * mb_cols, 16 * mb_rows, border),
+          u(8 * mb_cols, 8 * mb_rows, border / 2),
           v(8 * mb_cols, 8 * mb_rows, border / 2) {}
     Plane& plane(int c) { return c == 0 ? y : c == 1 ? u : v; }
     const Plane& plane(int c) const { return c == 0 ? y : c == 1 ? u : v; }

@@ -26,7 +26,8 @@ const Kvt16s* scan_positions() {
 int quantize(int16_t* block, int qp, bool intra) {
     Kvt8s count = 0;
     Kvt8u last = 0;
-    if (kvtiTransformQuantResidual_H264_16s_C1I(block, qp, &count, intra, scan_positions(), &last) != kvtStsOk)
+    if (kvtiTransformQuantResidual_H264_16s_C1I(block, qp, &count, intra, scan_positions(), &last) !=
+        kvtStsOk)
         return 127;
     return count;
 }
@@ -44,7 +45,9 @@ void reconstruct(const int16_t* levels, const int16_t* dc, uint8_t* rec, int ste
     kvtiDequantTransformResidualAndAdd_H264_16s_C1I(rec, coeffs, dc, rec, step, step, qp, ac);
 }
 
-uint8_t* block_at(uint8_t* p, int step, int r, int size) { return p + (r / size) * 4 * step + (r % size) * 4; }
+uint8_t* block_at(uint8_t* p, int step, int r, int size) {
+    return p + (r / size) * 4 * step + (r % size) * 4;
+}
 
 }  // namespace
 
@@ -62,8 +65,8 @@ bool code_luma16x16(const Block& b, int qp, MbCode& code, MbInfo& info) {
     kvtiSumsDiff16x16Blocks4x4_8u16s_C1(b.src, b.src_step, b.rec, b.rec_step, code.luma_dc, diff);
     Kvt8s count = 0;
     Kvt8u last = 0;
-    if (kvtiTransformQuantLumaDC_H264_16s_C1I(code.luma_dc, transformed, qp, &count, 1, scan_positions(), &last) !=
-        kvtStsOk)
+    if (kvtiTransformQuantLumaDC_H264_16s_C1I(code.luma_dc, transformed, qp, &count, 1, scan_positions(),
+                                              &last) != kvtStsOk)
         return false;
     code.cbp_luma = 0;
     for (int r = 0; r < 16; ++r) {
@@ -78,7 +81,8 @@ bool code_luma16x16(const Block& b, int qp, MbCode& code, MbInfo& info) {
     int16_t dc[16];
     std::memcpy(dc, code.luma_dc, sizeof dc);
     kvtiTransformDequantLumaDC_H264_16s_C1I(dc, qp);
-    for (int r = 0; r < 16; ++r) reconstruct(code.luma[r], &dc[r], block_at(b.rec, b.rec_step, r, 4), b.rec_step, qp);
+    for (int r = 0; r < 16; ++r)
+        reconstruct(code.luma[r], &dc[r], block_at(b.rec, b.rec_step, r, 4), b.rec_step, qp);
     return true;
 }
 
@@ -95,7 +99,8 @@ bool code_luma_inter(const Block& b, int qp, MbCode& code, MbInfo& info) {
         if (c) code.cbp_luma |= 1 << ((r >> 1 & 1) | (r >> 3) << 1);  // the 8x8 block holding r
     }
     for (int r = 0; r < 16; ++r)
-        if (info.nnz[r]) reconstruct(code.luma[r], nullptr, block_at(b.rec, b.rec_step, r, 4), b.rec_step, qp);
+        if (info.nnz[r])
+            reconstruct(code.luma[r], nullptr, block_at(b.rec, b.rec_step, r, 4), b.rec_step, qp);
     return true;
 }
 

@@ -74,7 +74,8 @@ struct CavlcTables {
         for (const auto& row : kvt::test::read_table("h264_total_zeros_chroma_dc.tsv"))
             total_zeros_dc[row.num("tz_vlc_index")][row["code"]] = row.num("total_zeros");
         for (const auto& row : kvt::test::read_table("h264_run_before.tsv"))
-            run_before[row["zeros_left"] == ">6" ? 7 : row.num("zeros_left")][row["code"]] = row.num("run_before");
+            run_before[row["zeros_left"] == ">6" ? 7 : row.num("zeros_left")][row["code"]] =
+                row.num("run_before");
     }
 };
 
@@ -104,7 +105,8 @@ std::vector<int> decode_block(BitReader& r, const CavlcTables& t, int nc, int ma
         if (std::abs(level[i]) > (3 << (suffix_length - 1)) && suffix_length < 6) ++suffix_length;
     }
     int zeros_left = 0;
-    if (total < max_coeff) zeros_left = read_code(r, (max_coeff == 4 ? t.total_zeros_dc : t.total_zeros).at(total));
+    if (total < max_coeff)
+        zeros_left = read_code(r, (max_coeff == 4 ? t.total_zeros_dc : t.total_zeros).at(total));
     for (int i = 0; i < total - 1; ++i) {
         run[i] = zeros_left > 0 ? read_code(r, t.run_before.at(std::min(zeros_left, 7))) : 0;
         zeros_left -= run[i];
@@ -124,10 +126,14 @@ void random_levels(Rng& rng, int16_t* v, int n) {
     for (int i = 0; i < n; ++i) {
         const int r = rng.uniform(0, 99);
         int level = 0;
-        if (style == 0) level = r < 80 ? 0 : rng.coin() ? 1 : -1;
-        else if (style == 1) level = r < 30 ? 0 : rng.uniform(-3, 3);
-        else if (style == 2) level = r < 50 ? 0 : rng.uniform(-40, 40);
-        else level = r < 20 ? 0 : rng.coin() ? rng.uniform(-2063, 2063) : (rng.coin() ? 2063 : -2063);
+        if (style == 0)
+            level = r < 80 ? 0 : rng.coin() ? 1 : -1;
+        else if (style == 1)
+            level = r < 30 ? 0 : rng.uniform(-3, 3);
+        else if (style == 2)
+            level = r < 50 ? 0 : rng.uniform(-40, 40);
+        else
+            level = r < 20 ? 0 : rng.coin() ? rng.uniform(-2063, 2063) : (rng.coin() ? 2063 : -2063);
         v[i] = static_cast<int16_t>(level);
     }
 }
@@ -149,7 +155,8 @@ TEST(Kvtenc264Syntax, ExpGolombCodesReadBack) {
     EXPECT_EQ(r.bit(), 1) << "stop bit";
     EXPECT_EQ(r.pos() % 8 == 0 ? 0u : r.bits(8 - r.pos() % 8), 0u) << "alignment zeros";
     EXPECT_EQ(r.pos(), bw.bytes().size() * 8);
-    for (uint32_t v : {0u, 1u, 2u, 6u, 7u, 254u, 255u}) EXPECT_EQ(enc264::ue_bits(v), 2 * (31 - __builtin_clz(v + 1)) + 1);
+    for (uint32_t v : {0u, 1u, 2u, 6u, 7u, 254u, 255u})
+        EXPECT_EQ(enc264::ue_bits(v), 2 * (31 - __builtin_clz(v + 1)) + 1);
 }
 
 TEST(Kvtenc264Syntax, EmulationPreventionKeepsStartCodesOut) {
@@ -160,7 +167,8 @@ TEST(Kvtenc264Syntax, EmulationPreventionKeepsStartCodesOut) {
         rbsp.back() = 0x80;  // an RBSP ends in its stop bit
         std::vector<uint8_t> out;
         enc264::append_nal(out, enc264::kNalSlice, 2, rbsp);
-        ASSERT_EQ(std::vector<uint8_t>(out.begin(), out.begin() + 5), (std::vector<uint8_t>{0, 0, 0, 1, 0x41}));
+        ASSERT_EQ(std::vector<uint8_t>(out.begin(), out.begin() + 5),
+                  (std::vector<uint8_t>{0, 0, 0, 1, 0x41}));
         std::vector<uint8_t> back;
         int zeros = 0;
         for (size_t i = 5; i < out.size(); ++i) {
