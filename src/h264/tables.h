@@ -58,8 +58,12 @@ inline constexpr int32_t dc_rounds[2][9] = {
 // clang-format on
 
 // FwdQuantTable spread over the 16 raster positions, by QP % 6.
-inline constexpr auto QuantCoef = detail::build<std::array<int16_t, 16>, 6>([](int r) {
-    return detail::build<int16_t, 16>([r](int i) { return FwdQuantTable[r][QuantIndex[i]]; });
+inline constexpr auto QuantCoef = detail::build<std::array<int16_t, 16>, 6>(
+    [](int r) { return detail::build<int16_t, 16>([r](int i) { return FwdQuantTable[r][QuantIndex[i]]; }); });
+
+// InvQuantTable spread over the 16 raster positions, by QP (the vector kernels' layout).
+alignas(16) inline constexpr auto InvQuantCoef = detail::build<std::array<int16_t, 16>, 52>([](int qp) {
+    return detail::build<int16_t, 16>([qp](int i) { return InvQuantTable[qp][QuantIndex[i]]; });
 });
 
 // QP / 6 and QP % 6 for QP 0..53.
@@ -67,7 +71,8 @@ inline constexpr auto dc_q = detail::build<uint8_t, 54>([](int qp) { return qp /
 inline constexpr auto dc_rems = detail::build<uint8_t, 54>([](int qp) { return qp % 6; });
 
 // Clamp to 0..255 of an index -256..511; index it with the value plus 256.
-inline constexpr auto ClampTbl =
-    detail::build<uint8_t, 768>([](int i) { return i < 256 ? 0 : i > 511 ? 255 : i - 256; });
+inline constexpr auto ClampTbl = detail::build<uint8_t, 768>([](int i) {
+    return i < 256 ? 0 : i > 511 ? 255 : i - 256;
+});
 
 }  // namespace kvt::h264
