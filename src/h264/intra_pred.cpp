@@ -14,7 +14,8 @@ constexpr unsigned kNeeds16x16[4] = {kNbUpper, kNbLeft, 0, kNbUpper | kNbLeft | 
 constexpr unsigned kNeedsChroma[4] = {0, kNbLeft, kNbUpper, kNbUpper | kNbLeft | kNbCorner};
 }  // namespace
 
-KvtStatus kvtiPredictIntra_4x4_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode, Kvt32u availability) {
+KvtStatus kvtiPredictIntra_4x4_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                            Kvt32u availability) {
     if (!pSrcDst) return kvtStsNullPointer;
     if (srcDstStep < 4) return kvtStsBadStep;
     if (unsigned(predMode) > 8) return kvtStsOutOfRange;

@@ -26,15 +26,10 @@ struct Edge4 {
 
 constexpr unsigned kUpperLeftCorner = kNbUpper | kNbLeft | kNbCorner;
 // The neighbours each mode reads; a missing one of kUpperLeftCorner makes the warning (not in DC).
-constexpr unsigned kUses4x4[9] = {kNbUpper,
-                                  kNbLeft,
-                                  kNbUpper | kNbLeft,
-                                  kNbUpper | kNbUpperRight,
-                                  kUpperLeftCorner,
-                                  kUpperLeftCorner,
-                                  kUpperLeftCorner,
-                                  kNbUpper | kNbUpperRight,
-                                  kNbLeft};
+constexpr unsigned kUses4x4[9] = {
+    kNbUpper,         kNbLeft,          kNbUpper | kNbLeft, kNbUpper | kNbUpperRight,
+    kUpperLeftCorner, kUpperLeftCorner, kUpperLeftCorner,   kNbUpper | kNbUpperRight,
+    kNbLeft};
 
 // Reads the neighbours flagged in `read`; the others become 128, and a missing upper right
 // repeats U[3] (which may itself be 128).

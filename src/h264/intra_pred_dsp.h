@@ -26,10 +26,18 @@ struct IntraPredDsp {
     IntraPredFn chroma8x8[4];  // DC, horizontal, vertical, plane
 };
 
-namespace c { void init_intra_pred(IntraPredDsp& d); }
-namespace ref { void init_intra_pred(IntraPredDsp& d); }
-namespace sse2 { void init_intra_pred(IntraPredDsp& d); }
-namespace ssse3 { void init_intra_pred(IntraPredDsp& d); }
+namespace c {
+void init_intra_pred(IntraPredDsp& d);
+}
+namespace ref {
+void init_intra_pred(IntraPredDsp& d);
+}
+namespace sse2 {
+void init_intra_pred(IntraPredDsp& d);
+}
+namespace ssse3 {
+void init_intra_pred(IntraPredDsp& d);
+}
 
 void init_intra_pred_dsp(IntraPredDsp& d, unsigned cpu_flags);
 

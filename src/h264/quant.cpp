@@ -19,7 +19,8 @@ KvtStatus kvtiTransformQuantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlo
 }
 
 KvtStatus kvtiTransformQuantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlock, int QP, Kvt8s* pNumLevels,
-                                                Kvt8u needTransform, const Kvt16s* pScanMatrix, Kvt8u* pLastPos) {
+                                                Kvt8u needTransform, const Kvt16s* pScanMatrix,
+                                                Kvt8u* pLastPos) {
     if (!pSrcDst || !pTBlock || !pNumLevels || !pScanMatrix || !pLastPos) return kvtStsNullPointer;
     if (unsigned(QP) > 51) return kvtStsOutOfRange;
     return dsp.luma_dc(pSrcDst, pTBlock, QP, pNumLevels, needTransform != 0, pScanMatrix, pLastPos);

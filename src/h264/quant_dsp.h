@@ -21,10 +21,15 @@ struct QuantDsp {
     KvtStatus (*residual)(int16_t* c, int qp, int8_t* count, bool intra, const int16_t* scan, uint8_t* last);
 };
 
-namespace c { void init_quant(QuantDsp& d); }
-namespace ref { void init_quant(QuantDsp& d); }
-namespace sse2 { void init_quant(QuantDsp& d); }
-namespace ssse3 { void init_quant(QuantDsp& d); }
+namespace c {
+void init_quant(QuantDsp& d);
+}
+namespace ref {
+void init_quant(QuantDsp& d);
+}
+namespace sse2 {
+void init_quant(QuantDsp& d);
+}
 
 void init_quant_dsp(QuantDsp& d, unsigned cpu_flags);
 

@@ -61,6 +61,11 @@ inline constexpr int32_t dc_rounds[2][9] = {
 inline constexpr auto QuantCoef = detail::build<std::array<int16_t, 16>, 6>(
     [](int r) { return detail::build<int16_t, 16>([r](int i) { return FwdQuantTable[r][QuantIndex[i]]; }); });
 
+// InvQuantTable spread over the 16 raster positions, by QP (the vector kernels' layout).
+alignas(16) inline constexpr auto InvQuantCoef = detail::build<std::array<int16_t, 16>, 52>([](int qp) {
+    return detail::build<int16_t, 16>([qp](int i) { return InvQuantTable[qp][QuantIndex[i]]; });
+});
+
 // QP / 6 and QP % 6 for QP 0..53.
 inline constexpr auto dc_q = detail::build<uint8_t, 54>([](int qp) { return qp / 6; });
 inline constexpr auto dc_rems = detail::build<uint8_t, 54>([](int qp) { return qp % 6; });

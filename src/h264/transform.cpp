@@ -25,8 +25,8 @@ KvtStatus kvtiTransformDequantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP) {
 }
 
 // The step is checked after QP, as documented.
-KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstStep, const Kvt16s* pDC, int AC,
-                                                    int QP) {
+KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstStep, const Kvt16s* pDC,
+                                                    int AC, int QP) {
     if (!pSrcDst) return kvtStsNullPointer;
     if (bad_qp(QP)) return kvtStsOutOfRange;
     if (srcDstStep < 8) return kvtStsBadStep;
@@ -34,8 +34,9 @@ KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstS
     return dsp.residual(pSrcDst, srcDstStep, pDC, QP);
 }
 
-KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst, const Kvt16s* pDC,
-                                                          Kvt8u* pDst, int predStep, int dstStep, int QP, int AC) {
+KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst,
+                                                          const Kvt16s* pDC, Kvt8u* pDst, int predStep,
+                                                          int dstStep, int QP, int AC) {
     if (!pPred || !pDst) return kvtStsNullPointer;
     if (bad_qp(QP)) return kvtStsOutOfRange;
     if (AC && pSrcDst) return dsp.residual_add(pPred, predStep, pSrcDst, pDC, pDst, dstStep, QP);

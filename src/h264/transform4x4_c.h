@@ -34,7 +34,8 @@ static inline void inverse_core(int16_t* v, int s) {
 static inline void forward_core(int16_t* v, int s) {
     const int p0 = v[0], p1 = v[s], p2 = v[2 * s], p3 = v[3 * s];
     const int a = p0 + p3, b = p1 + p2, c = p0 - p3, d = p1 - p2;
-    v[0] = int16_t(a + b), v[s] = int16_t(2 * c + d), v[2 * s] = int16_t(a - b), v[3 * s] = int16_t(c - 2 * d);
+    v[0] = int16_t(a + b), v[s] = int16_t(2 * c + d), v[2 * s] = int16_t(a - b),
+    v[3 * s] = int16_t(c - 2 * d);
 }
 
 // 4-point Hadamard transform with rows (1,1,1,1), (1,1,-1,-1), (1,-1,-1,1), (1,-1,1,-1); its own
@@ -42,7 +43,8 @@ static inline void forward_core(int16_t* v, int s) {
 template <class T>
 static inline void hadamard(T* v, int s) {
     const int a = v[0], b = v[s], c = v[2 * s], d = v[3 * s];
-    v[0] = T(a + b + c + d), v[s] = T(a + b - c - d), v[2 * s] = T(a - b - c + d), v[3 * s] = T(a - b + c - d);
+    v[0] = T(a + b + c + d), v[s] = T(a + b - c - d), v[2 * s] = T(a - b - c + d),
+    v[3 * s] = T(a - b + c - d);
 }
 
 // The 2x2 transform of chroma DC values in raster order.

@@ -16,10 +16,12 @@ constexpr int64_t asr64(int64_t v, int s) { return v >= 0 ? v >> s : ~(~v >> s);
 
 // Strided 16-bit rows, copied bytewise: a step need not be even.
 void load_rows(int16_t* b, const int16_t* src, int step) {
-    for (int y = 0; y < 4; ++y) std::memcpy(b + 4 * y, reinterpret_cast<const uint8_t*>(src) + intptr_t(y) * step, 8);
+    for (int y = 0; y < 4; ++y)
+        std::memcpy(b + 4 * y, reinterpret_cast<const uint8_t*>(src) + intptr_t(y) * step, 8);
 }
 void store_rows(int16_t* dst, int step, const int16_t* b) {
-    for (int y = 0; y < 4; ++y) std::memcpy(reinterpret_cast<uint8_t*>(dst) + intptr_t(y) * step, b + 4 * y, 8);
+    for (int y = 0; y < 4; ++y)
+        std::memcpy(reinterpret_cast<uint8_t*>(dst) + intptr_t(y) * step, b + 4 * y, 8);
 }
 
 // Intra16x16 luma DC (H.264 8.5.10): Hadamard in 16-bit sums, then the QP-dependent rounding.

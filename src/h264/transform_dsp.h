@@ -31,10 +31,15 @@ struct TransformDsp {
     KvtStatus (*sisp_chroma_dc)(int16_t* c, const int16_t* pred, int qp, int qs, int si);
 };
 
-namespace c { void init_transform(TransformDsp& d); }
-namespace ref { void init_transform(TransformDsp& d); }
-namespace sse2 { void init_transform(TransformDsp& d); }
-namespace ssse3 { void init_transform(TransformDsp& d); }
+namespace c {
+void init_transform(TransformDsp& d);
+}
+namespace ref {
+void init_transform(TransformDsp& d);
+}
+namespace sse2 {
+void init_transform(TransformDsp& d);
+}
 
 void init_transform_dsp(TransformDsp& d, unsigned cpu_flags);
 

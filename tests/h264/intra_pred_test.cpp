@@ -27,19 +27,23 @@ struct Nb {
 };
 
 // An N x N block at (1, 1) of a random plane, N + 4 columns wide so that the 4x4 upper-right
-// samples exist; the kernels also get negative steps (the fronts reject them). Patterns: random, 0/255 at random, steep ramps (the plane
-// modes saturate), flat.
+// samples exist; the kernels also get negative steps (the fronts reject them). Patterns: random, 0/255 at
+// random, steep ramps (the plane modes saturate), flat.
 struct Frame {
     int n;
     Plane<uint8_t> plane;
     Frame(Rng& rng, int size, bool negative_step = false)
-        : n(size), plane(size + 5, size + 1, (negative_step && rng.coin() ? -1 : 1) * (size + 5 + rng.uniform(0, 20)),
-                         size_t(rng.uniform(0, 15))) {
+        : n(size),
+          plane(size + 5, size + 1, (negative_step && rng.coin() ? -1 : 1) * (size + 5 + rng.uniform(0, 20)),
+                size_t(rng.uniform(0, 15))) {
         const int pattern = rng.uniform(0, 3), slope = rng.uniform(-40, 40), base = rng.uniform(0, 255);
         for (int y = 0; y <= n; ++y)
             for (int x = 0; x < n + 5; ++x) {
                 const int ramp = base + slope * (x - y), v[4] = {rng.uniform(0, 255), rng.coin() * 255,
-                                                                 ramp < 0 ? 0 : ramp > 255 ? 255 : ramp, base};
+                                                                 ramp < 0     ? 0
+                                                                 : ramp > 255 ? 255
+                                                                              : ramp,
+                                                                 base};
                 plane.row(y)[x] = uint8_t(v[pattern]);
             }
     }
@@ -54,7 +58,8 @@ struct Frame {
     }
     std::vector<uint8_t> block() {
         std::vector<uint8_t> b;
-        for (int y = 0; y < n; ++y) b.insert(b.end(), blk() + intptr_t(y) * step(), blk() + intptr_t(y) * step() + n);
+        for (int y = 0; y < n; ++y)
+            b.insert(b.end(), blk() + intptr_t(y) * step(), blk() + intptr_t(y) * step() + n);
         return b;
     }
 };
@@ -65,8 +70,22 @@ using Block4 = std::array<int, 16>;
 Block4 vertical_right(const int* U, const int* L, int M) {
     const int r0[4] = {A2(M, U[0]), A2(U[0], U[1]), A2(U[1], U[2]), A2(U[2], U[3])};
     const int r1[4] = {A3(L[0], M, U[0]), A3(M, U[0], U[1]), A3(U[0], U[1], U[2]), A3(U[1], U[2], U[3])};
-    return {r0[0], r0[1], r0[2], r0[3], r1[0], r1[1], r1[2], r1[3],
-            A3(M, L[0], L[1]), r0[0], r0[1], r0[2], A3(L[0], L[1], L[2]), r1[0], r1[1], r1[2]};
+    return {r0[0],
+            r0[1],
+            r0[2],
+            r0[3],
+            r1[0],
+            r1[1],
+            r1[2],
+            r1[3],
+            A3(M, L[0], L[1]),
+            r0[0],
+            r0[1],
+            r0[2],
+            A3(L[0], L[1], L[2]),
+            r1[0],
+            r1[1],
+            r1[2]};
 }
 
 // 4x4 luma from neighbours already substituted: each directional mode as the values along its
@@ -79,17 +98,36 @@ Block4 anchor4x4(int mode, const Nb& e, unsigned avail) {
         for (int x = 0; x < 4; ++x) {
             int& v = p[4 * y + x];
             const int vl = x + (y >> 1), hu = x + 2 * y;
-            const int hu_val[10] = {A2(L[0], L[1]), A3(L[0], L[1], L[2]), A2(L[1], L[2]), A3(L[1], L[2], L[3]),
-                                    A2(L[2], L[3]), A3(L[2], L[3], L[3]), L[3], L[3], L[3], L[3]};
+            const int hu_val[10] = {A2(L[0], L[1]), A3(L[0], L[1], L[2]),
+                                    A2(L[1], L[2]), A3(L[1], L[2], L[3]),
+                                    A2(L[2], L[3]), A3(L[2], L[3], L[3]),
+                                    L[3],           L[3],
+                                    L[3],           L[3]};
             switch (mode) {
-                case 0: v = U[x]; break;
-                case 1: v = L[y]; break;
-                case 3: v = x + y == 6 ? A3(U[6], U[7], U[7]) : A3(U[x + y], U[x + y + 1], U[x + y + 2]); break;
-                case 4: v = A3(edge[3 + x - y], edge[4 + x - y], edge[5 + x - y]); break;
-                case 5: v = vertical_right(U, L, M)[4 * y + x]; break;
-                case 6: v = vertical_right(L, U, M)[4 * x + y]; break;
-                case 7: v = y & 1 ? A3(U[vl], U[vl + 1], U[vl + 2]) : A2(U[vl], U[vl + 1]); break;
-                case 8: v = hu_val[hu]; break;
+                case 0:
+                    v = U[x];
+                    break;
+                case 1:
+                    v = L[y];
+                    break;
+                case 3:
+                    v = x + y == 6 ? A3(U[6], U[7], U[7]) : A3(U[x + y], U[x + y + 1], U[x + y + 2]);
+                    break;
+                case 4:
+                    v = A3(edge[3 + x - y], edge[4 + x - y], edge[5 + x - y]);
+                    break;
+                case 5:
+                    v = vertical_right(U, L, M)[4 * y + x];
+                    break;
+                case 6:
+                    v = vertical_right(L, U, M)[4 * x + y];
+                    break;
+                case 7:
+                    v = y & 1 ? A3(U[vl], U[vl + 1], U[vl + 2]) : A2(U[vl], U[vl + 1]);
+                    break;
+                case 8:
+                    v = hu_val[hu];
+                    break;
             }
         }
     if (mode == 2) {
@@ -113,25 +151,35 @@ std::vector<uint8_t> anchor_block(int n, int mode, const Nb& e, unsigned avail) 
     int H = 0, V = 0;
     const auto U = [&](int i) { return i < 0 ? e.M : e.U[i]; };
     const auto L = [&](int i) { return i < 0 ? e.M : e.L[i]; };
-    for (int i = 1; i <= n / 2; ++i) H += i * (U(n / 2 - 1 + i) - U(n / 2 - 1 - i)), V += i * (L(n / 2 - 1 + i) - L(n / 2 - 1 - i));
+    for (int i = 1; i <= n / 2; ++i)
+        H += i * (U(n / 2 - 1 + i) - U(n / 2 - 1 - i)), V += i * (L(n / 2 - 1 + i) - L(n / 2 - 1 - i));
     // The chroma plane as the standard writes it for 4:2:0: (34 * H + 32) >> 6.
-    const int b_ = chroma ? floor_div(34 * H + 32, 64) : floor_div(5 * H + 32, 64), c_ = chroma ? floor_div(34 * V + 32, 64) : floor_div(5 * V + 32, 64);
+    const int b_ = chroma ? floor_div(34 * H + 32, 64) : floor_div(5 * H + 32, 64),
+              c_ = chroma ? floor_div(34 * V + 32, 64) : floor_div(5 * V + 32, 64);
     for (int y = 0; y < n; ++y)
         for (int x = 0; x < n; ++x) {
             int v = 0;
             if (kind == 0) v = U(x);
             if (kind == 1) v = L(y);
-            if (kind == 3) v = std::clamp(floor_div(16 * (U(n - 1) + L(n - 1)) + b_ * (x - n / 2 + 1) + c_ * (y - n / 2 + 1) + 16, 32), 0, 255);
+            if (kind == 3)
+                v = std::clamp(
+                    floor_div(16 * (U(n - 1) + L(n - 1)) + b_ * (x - n / 2 + 1) + c_ * (y - n / 2 + 1) + 16,
+                              32),
+                    0, 255);
             if (kind == 2) {
                 // Chroma: per 4x4 block at (xO, yO) as H.264 8.3.4.1-3 orders the sources;
                 // 16x16: the whole block at (0, 0).
-                const int xo = chroma ? x & 4 : 0, yo = chroma ? y & 4 : 0, m = chroma ? 4 : 16, sh = chroma ? 2 : 4;
+                const int xo = chroma ? x & 4 : 0, yo = chroma ? y & 4 : 0, m = chroma ? 4 : 16,
+                          sh = chroma ? 2 : 4;
                 int su = 0, sl = 0;
                 for (int i = 0; i < m; ++i) su += U(xo + i), sl += L(yo + i);
                 const int both = (su + sl + m) >> (sh + 1), bu = (su + m / 2) >> sh, bl = (sl + m / 2) >> sh;
-                if (xo == yo) v = up && left ? both : up ? bu : left ? bl : 128;
-                else if (yo == 0) v = up ? bu : left ? bl : 128;
-                else v = left ? bl : up ? bu : 128;
+                if (xo == yo)
+                    v = up && left ? both : up ? bu : left ? bl : 128;
+                else if (yo == 0)
+                    v = up ? bu : left ? bl : 128;
+                else
+                    v = left ? bl : up ? bu : 128;
             }
             b[size_t(y * n + x)] = uint8_t(v);
         }
@@ -140,7 +188,8 @@ std::vector<uint8_t> anchor_block(int n, int mode, const Nb& e, unsigned avail) 
 
 // The four tested bits as a 4-bit index, with random untested bits around them.
 unsigned avail_of(int combo, Rng& rng) {
-    const unsigned bits = (combo & 1 ? 1u : 0u) | (combo & 2 ? 2u : 0u) | (combo & 4 ? 32u : 0u) | (combo & 8 ? 64u : 0u);
+    const unsigned bits =
+        (combo & 1 ? 1u : 0u) | (combo & 2 ? 2u : 0u) | (combo & 4 ? 32u : 0u) | (combo & 8 ? 64u : 0u);
     return bits | (rng.next() & ~0x63u);
 }
 
@@ -171,7 +220,8 @@ TEST(H264IntraPred, FourByFourFollowsSubstitutionRules) {
                 EXPECT_EQ(st, kUses[mode] & ~avail ? 11 : 0) << "mode " << mode << " avail " << avail;
                 const std::vector<uint8_t> got = f.block();
                 for (int i = 0; i < 16; ++i)
-                    ASSERT_EQ(got[size_t(i)], want[size_t(i)]) << "mode " << mode << " avail " << avail << " at " << i;
+                    ASSERT_EQ(got[size_t(i)], want[size_t(i)])
+                        << "mode " << mode << " avail " << avail << " at " << i;
             }
 }
 
@@ -267,7 +317,8 @@ TEST(H264IntraPred, EveryTierMatchesOracle) {
                     const unsigned avail = avail_of(combo, rng);
                     if (needs & ~avail) continue;
                     Frame f(rng, n, true);
-                    const std::string name = std::string(what) + " mode " + std::to_string(mode) + " avail " + std::to_string(avail);
+                    const std::string name = std::string(what) + " mode " + std::to_string(mode) + " avail " +
+                                             std::to_string(avail);
                     out.add(name, fn(f.blk(), f.step(), avail));
                     out.add_buffer(name, f.plane);
                 }

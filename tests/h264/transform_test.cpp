@@ -25,7 +25,7 @@ namespace {
 // QP % 6 and position class (0: both coordinates even, 1: both odd, 2: the others).
 constexpr int kV[6][3] = {{10, 16, 13}, {11, 18, 14}, {13, 20, 16}, {14, 23, 18}, {16, 25, 20}, {18, 29, 23}};
 constexpr int kMF[6][3] = {{13107, 5243, 8066}, {11916, 4660, 7490}, {10082, 4194, 6554},
-                           {9362, 3647, 5825},  {8192, 3355, 5243}, {7282, 2893, 4559}};
+                           {9362, 3647, 5825},  {8192, 3355, 5243},  {7282, 2893, 4559}};
 
 constexpr int kMATR[3] = {16, 25, 20};  // SP/SI weights by class
 constexpr double kStep[6] = {0.625, 0.6875, 0.8125, 0.875, 1.0, 1.125};
@@ -51,7 +51,8 @@ Blk random_block(Rng& rng, int pattern) {
 // The zigzag scan as the caller's scan-position table: the scan index of each raster position.
 std::array<int16_t, 16> zigzag_positions() {
     std::array<int16_t, 16> pos{};
-    for (const TsvRow& r : read_table("h264_scan_4x4.tsv")) pos[size_t(r.num("zigzag"))] = int16_t(r.num("scan_index"));
+    for (const TsvRow& r : read_table("h264_scan_4x4.tsv"))
+        pos[size_t(r.num("zigzag"))] = int16_t(r.num("scan_index"));
     return pos;
 }
 
@@ -80,7 +81,8 @@ TEST(H264Tables, FollowTheStandardsDefinitions) {
     for (int qp = 0; qp < 52; ++qp)
         for (int k = 0; k < 3; ++k) EXPECT_EQ(InvQuantTable[qp][k], kV[qp % 6][k] << qp / 6) << qp;
     for (int qp = 0; qp < 52; ++qp)
-        EXPECT_EQ(InvQuantLuma16x16DCTable[qp], qp < 12 ? kV[qp % 6][0] : kV[qp % 6][0] << (qp / 6 - 2)) << qp;
+        EXPECT_EQ(InvQuantLuma16x16DCTable[qp], qp < 12 ? kV[qp % 6][0] : kV[qp % 6][0] << (qp / 6 - 2))
+            << qp;
     for (int i = 0; i < 16; ++i) {
         EXPECT_EQ(QuantIndex[i], cls(i));
         EXPECT_EQ(MATR[i], kMATR[cls(i)]);
@@ -103,7 +105,8 @@ TEST(H264Transform, ArgumentChecks) {
     Kvt16s c[16], t[16], dc = 0, scan[16] = {};
     Kvt8u pred[64], dst[64], last = 0xEE;
     Kvt8s count = 0x55;
-    std::fill(c, c + 16, 7), std::fill(t, t + 16, 7), std::fill(pred, pred + 64, 9), std::fill(dst, dst + 64, 9);
+    std::fill(c, c + 16, 7), std::fill(t, t + 16, 7), std::fill(pred, pred + 64, 9),
+        std::fill(dst, dst + 64, 9);
     const auto untouched = [&] {
         return std::all_of(c, c + 16, [](Kvt16s v) { return v == 7; }) &&
                std::all_of(t, t + 16, [](Kvt16s v) { return v == 7; }) &&
@@ -119,24 +122,42 @@ TEST(H264Transform, ArgumentChecks) {
         {"luma DC QP -1", kvtiTransformDequantLumaDC_H264_16s_C1I(c, -1), kvtStsOutOfRange},
         {"chroma DC null", kvtiTransformDequantChromaDC_H264_16s_C1I(nullptr, 0), kvtStsNullPointer},
         {"chroma DC QP 52", kvtiTransformDequantChromaDC_H264_16s_C1I(c, 52), kvtStsOutOfRange},
-        {"residual null", kvtiDequantTransformResidual_H264_16s_C1I(nullptr, 6, &dc, 1, 52), kvtStsNullPointer},
-        {"residual QP before step", kvtiDequantTransformResidual_H264_16s_C1I(c, 6, &dc, 1, 52), kvtStsOutOfRange},
+        {"residual null", kvtiDequantTransformResidual_H264_16s_C1I(nullptr, 6, &dc, 1, 52),
+         kvtStsNullPointer},
+        {"residual QP before step", kvtiDequantTransformResidual_H264_16s_C1I(c, 6, &dc, 1, 52),
+         kvtStsOutOfRange},
         {"residual step 6", kvtiDequantTransformResidual_H264_16s_C1I(c, 6, &dc, 1, 51), kvtStsBadStep},
-        {"add pred null", kvtiDequantTransformResidualAndAdd_H264_16s_C1I(nullptr, c, &dc, dst, 4, 4, 60, 1), kvtStsNullPointer},
-        {"add dst null", kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, c, &dc, nullptr, 4, 4, 60, 1), kvtStsNullPointer},
-        {"add QP -1", kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, nullptr, nullptr, dst, 4, 4, -1, 0), kvtStsOutOfRange},
-        {"add DC-only, no sources", kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, nullptr, nullptr, dst, 4, 4, 0, 1), kvtStsNullPointer},
+        {"add pred null", kvtiDequantTransformResidualAndAdd_H264_16s_C1I(nullptr, c, &dc, dst, 4, 4, 60, 1),
+         kvtStsNullPointer},
+        {"add dst null", kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, c, &dc, nullptr, 4, 4, 60, 1),
+         kvtStsNullPointer},
+        {"add QP -1",
+         kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, nullptr, nullptr, dst, 4, 4, -1, 0),
+         kvtStsOutOfRange},
+        {"add DC-only, no sources",
+         kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, nullptr, nullptr, dst, 4, 4, 0, 1),
+         kvtStsNullPointer},
         {"prediction null", kvtiTransformPrediction_H264_8u16s_C1(pred, 4, nullptr), kvtStsNullPointer},
-        {"SP levels null", kvtiDequantTransformResidual_SISP_H264_16s_C1I(nullptr, t, &dc, 1, 0, 0, 0), kvtStsNullPointer},
-        {"SP prediction null", kvtiDequantTransformResidual_SISP_H264_16s_C1I(c, nullptr, &dc, 1, 0, 0, 0), kvtStsNullPointer},
-        {"SP chroma null", kvtiTransformDequantChromaDC_SISP_H264_16s_C1I(c, nullptr, 0, 0, 0), kvtStsNullPointer},
-        {"fwd chroma count null", kvtiTransformQuantChromaDC_H264_16s_C1I(c, t, 60, nullptr, 1, 1), kvtStsNullPointer},
-        {"fwd chroma QP 40", kvtiTransformQuantChromaDC_H264_16s_C1I(c, t, 40, &count, 1, 1), kvtStsOutOfRange},
-        {"fwd luma DC scan null", kvtiTransformQuantLumaDC_H264_16s_C1I(c, t, 60, &count, 1, nullptr, &last), kvtStsNullPointer},
-        {"fwd luma DC last null", kvtiTransformQuantLumaDC_H264_16s_C1I(c, t, 60, &count, 1, scan, nullptr), kvtStsNullPointer},
-        {"fwd luma DC QP 52", kvtiTransformQuantLumaDC_H264_16s_C1I(c, t, 52, &count, 1, scan, &last), kvtStsOutOfRange},
-        {"fwd residual count null", kvtiTransformQuantResidual_H264_16s_C1I(c, 60, nullptr, 1, scan, &last), kvtStsNullPointer},
-        {"fwd residual QP -1", kvtiTransformQuantResidual_H264_16s_C1I(c, -1, &count, 1, scan, &last), kvtStsOutOfRange},
+        {"SP levels null", kvtiDequantTransformResidual_SISP_H264_16s_C1I(nullptr, t, &dc, 1, 0, 0, 0),
+         kvtStsNullPointer},
+        {"SP prediction null", kvtiDequantTransformResidual_SISP_H264_16s_C1I(c, nullptr, &dc, 1, 0, 0, 0),
+         kvtStsNullPointer},
+        {"SP chroma null", kvtiTransformDequantChromaDC_SISP_H264_16s_C1I(c, nullptr, 0, 0, 0),
+         kvtStsNullPointer},
+        {"fwd chroma count null", kvtiTransformQuantChromaDC_H264_16s_C1I(c, t, 60, nullptr, 1, 1),
+         kvtStsNullPointer},
+        {"fwd chroma QP 40", kvtiTransformQuantChromaDC_H264_16s_C1I(c, t, 40, &count, 1, 1),
+         kvtStsOutOfRange},
+        {"fwd luma DC scan null", kvtiTransformQuantLumaDC_H264_16s_C1I(c, t, 60, &count, 1, nullptr, &last),
+         kvtStsNullPointer},
+        {"fwd luma DC last null", kvtiTransformQuantLumaDC_H264_16s_C1I(c, t, 60, &count, 1, scan, nullptr),
+         kvtStsNullPointer},
+        {"fwd luma DC QP 52", kvtiTransformQuantLumaDC_H264_16s_C1I(c, t, 52, &count, 1, scan, &last),
+         kvtStsOutOfRange},
+        {"fwd residual count null", kvtiTransformQuantResidual_H264_16s_C1I(c, 60, nullptr, 1, scan, &last),
+         kvtStsNullPointer},
+        {"fwd residual QP -1", kvtiTransformQuantResidual_H264_16s_C1I(c, -1, &count, 1, scan, &last),
+         kvtStsOutOfRange},
     };
     for (const Case& k : cases) EXPECT_EQ(k.got, k.want) << k.what;
     EXPECT_TRUE(untouched());
@@ -159,7 +180,8 @@ TEST(H264Transform, EdgeCases) {
     EXPECT_EQ(out[5], 0);
     EXPECT_EQ(e[3], -384);
     std::fill(pred, pred + 16, 0);
-    ASSERT_EQ(kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, nullptr, &big, out, 4, 4, 51, 1), kvtStsOk);
+    ASSERT_EQ(kvtiDequantTransformResidualAndAdd_H264_16s_C1I(pred, nullptr, &big, out, 4, 4, 51, 1),
+              kvtStsOk);
     EXPECT_EQ(out[15], 255);
     // A luma DC of 1 at QP 0: every value of the Hadamard is +-1, then (f * 10 + 2) >> 2.
     Kvt16s l[16] = {1};
@@ -176,10 +198,33 @@ TEST(H264Transform, EdgeCases) {
     EXPECT_EQ(last, 0);
 }
 
-// A flat block of value s has the single coefficient 16 s: the first s whose level exceeds 2063
-// at QP 0 (intra) returns -13 with the count and last position unwritten; the one before passes.
+// The smallest transformed luma DC value whose level at QP qp is `level` (0 when out of reach).
+int luma_dc_for_level(int qp, int level) {
+    for (int t = 0; t < 32768; ++t)
+        if (((t * kMF[qp % 6][0] + (1 << (16 + qp / 6)) / 3) >> (16 + qp / 6)) == level) return t;
+    return 0;
+}
+
+// The limit is a level magnitude of 2063: one more returns -13, writes the levels and leaves the
+// count and last position alone. Luma DC values given transformed reach it exactly; a flat residual
+// block (one coefficient, 16 s) crosses it.
 TEST(H264Transform, LevelLimit) {
     const std::array<int16_t, 16> scan = zigzag_positions();
+    for (int qp = 0; qp < 52; ++qp)
+        for (int level : {2063, 2064}) {
+            const int t = luma_dc_for_level(qp, level);
+            if (!t) continue;
+            Kvt16s c[16] = {}, tb[16] = {};
+            tb[5] = Kvt16s(-t);
+            Kvt8s count = 99;
+            Kvt8u last = 99;
+            const KvtStatus st =
+                kvtiTransformQuantLumaDC_H264_16s_C1I(c, tb, qp, &count, 0, scan.data(), &last);
+            EXPECT_EQ(st, level == 2063 ? kvtStsOk : kvtStsLevelOverflow) << "QP " << qp;
+            EXPECT_EQ(c[5], -level);
+            EXPECT_EQ(count, level == 2063 ? 1 : 99);
+            EXPECT_EQ(last, level == 2063 ? scan[5] : 99);
+        }
     int s = 1;
     while ((16 * s * 13107 + (1 << 15) / 3) >> 15 <= 2063) ++s;
     for (int v : {s - 1, s}) {
@@ -187,10 +232,9 @@ TEST(H264Transform, LevelLimit) {
         std::fill(b, b + 16, Kvt16s(v));
         Kvt8s count = 99;
         Kvt8u last = 99;
-        const KvtStatus st = kvtiTransformQuantResidual_H264_16s_C1I(b, 0, &count, 1, scan.data(), &last);
-        EXPECT_EQ(st, v == s ? kvtStsLevelOverflow : kvtStsOk);
+        EXPECT_EQ(kvtiTransformQuantResidual_H264_16s_C1I(b, 0, &count, 1, scan.data(), &last),
+                  v == s ? kvtStsLevelOverflow : kvtStsOk);
         EXPECT_EQ(count, v == s ? 99 : -1);
-        EXPECT_EQ(last, v == s ? 99 : 0);
     }
 }
 
@@ -207,13 +251,16 @@ TEST(H264Transform, InverseMatchesFormulas) {
             int w[16];
             for (int i = 0; i < 16; ++i) w[i] = b[size_t(i)] * (kV[qp % 6][cls(i)] << qp / 6);
             for (int k = 0; k < 4; ++k) inverse_line(w + 4 * k, 1);
-            const auto wraps = [&] { return std::any_of(w, w + 16, [](int v) { return v < -32768 || v > 32767; }); };
+            const auto wraps = [&] {
+                return std::any_of(w, w + 16, [](int v) { return v < -32768 || v > 32767; });
+            };
             if (wraps()) continue;
             for (int k = 0; k < 4; ++k) inverse_line(w + k, 4);
             if (wraps()) continue;
             Blk got = b;
             ASSERT_EQ(kvtiDequantTransformResidual_H264_16s_C1I(got.data(), 8, nullptr, 1, qp), kvtStsOk);
-            for (int i = 0; i < 16; ++i) ASSERT_EQ(got[size_t(i)], floor_div(w[i] + 32, 64)) << "QP " << qp << " at " << i;
+            for (int i = 0; i < 16; ++i)
+                ASSERT_EQ(got[size_t(i)], floor_div(w[i] + 32, 64)) << "QP " << qp << " at " << i;
 
             // Luma DC: Hadamard as the matrix product H X H, then the QP's rounding.
             constexpr int H[4][4] = {{1, 1, 1, 1}, {1, 1, -1, -1}, {1, -1, -1, 1}, {1, -1, 1, -1}};
@@ -225,15 +272,19 @@ TEST(H264Transform, InverseMatchesFormulas) {
                     int f = 0;
                     for (int i = 0; i < 4; ++i)
                         for (int j = 0; j < 4; ++j) f += H[u][i] * b[size_t(4 * i + j)] * H[j][v];
-                    const int want = qp < 6 ? floor_div(f * t + 2, 4) : qp < 12 ? floor_div(f * t + 1, 2) : f * t;
+                    const int want = qp < 6    ? floor_div(f * t + 2, 4)
+                                     : qp < 12 ? floor_div(f * t + 1, 2)
+                                               : f * t;
                     ASSERT_EQ(l[size_t(4 * u + v)], int16_t(want)) << "luma DC, QP " << qp;
                 }
             // Chroma DC: 2x2 transform of the raster 2x2 block, then (f * v(QP, 0)) >> 1.
             Kvt16s ch[4] = {b[0], b[1], b[2], b[3]};
             ASSERT_EQ(kvtiTransformDequantChromaDC_H264_16s_C1I(ch, qp), kvtStsOk);
             for (int k = 0; k < 4; ++k) {
-                const int f = b[0] + (k & 1 ? -1 : 1) * b[1] + (k & 2 ? -1 : 1) * b[2] + (k == 1 || k == 2 ? -1 : 1) * b[3];
-                ASSERT_EQ(ch[k], int16_t(floor_div(f * (kV[qp % 6][0] << qp / 6), 2))) << "chroma DC, QP " << qp;
+                const int f = b[0] + (k & 1 ? -1 : 1) * b[1] + (k & 2 ? -1 : 1) * b[2] +
+                              (k == 1 || k == 2 ? -1 : 1) * b[3];
+                ASSERT_EQ(ch[k], int16_t(floor_div(f * (kV[qp % 6][0] << qp / 6), 2)))
+                    << "chroma DC, QP " << qp;
             }
         }
 }
@@ -247,7 +298,8 @@ TEST(H264Transform, ForwardQuantMatchesFormulas) {
         for (int trial = 0; trial < 20; ++trial) {
             int x[16];
             Blk b;
-            for (int i = 0; i < 16; ++i) b[size_t(i)] = int16_t(x[i] = rng.uniform(-255, 255) >> rng.uniform(0, 8));
+            for (int i = 0; i < 16; ++i)
+                b[size_t(i)] = int16_t(x[i] = rng.uniform(-255, 255) >> rng.uniform(0, 8));
             const bool intra = rng.coin();
             const std::array<int, 16> c = forward_matrix(x);
             Blk want;
@@ -260,7 +312,9 @@ TEST(H264Transform, ForwardQuantMatchesFormulas) {
             }
             Kvt8s count = 0;
             Kvt8u lastpos = 0;
-            ASSERT_EQ(kvtiTransformQuantResidual_H264_16s_C1I(b.data(), qp, &count, intra, scan.data(), &lastpos), kvtStsOk);
+            ASSERT_EQ(
+                kvtiTransformQuantResidual_H264_16s_C1I(b.data(), qp, &count, intra, scan.data(), &lastpos),
+                kvtStsOk);
             ASSERT_EQ(b, want) << "QP " << qp;
             EXPECT_EQ(count, want[0] ? -nonzero : nonzero);
             EXPECT_EQ(lastpos, last);
@@ -281,10 +335,13 @@ TEST(H264Transform, ResidualRoundTrip) {
             Kvt8s count;
             Kvt8u last;
             const std::array<int16_t, 16> scan = zigzag_positions();
-            ASSERT_EQ(kvtiTransformQuantResidual_H264_16s_C1I(b.data(), qp, &count, intra, scan.data(), &last), kvtStsOk);
+            ASSERT_EQ(
+                kvtiTransformQuantResidual_H264_16s_C1I(b.data(), qp, &count, intra, scan.data(), &last),
+                kvtStsOk);
             ASSERT_EQ(kvtiDequantTransformResidual_H264_16s_C1I(b.data(), 8, nullptr, 1, qp), kvtStsOk);
             const double bound = 4 * (intra ? 2.0 / 3 : 5.0 / 6) * qstep(qp) + 2;
-            for (int i = 0; i < 16; ++i) ASSERT_LE(std::abs(b[size_t(i)] - r[size_t(i)]), bound) << "QP " << qp;
+            for (int i = 0; i < 16; ++i)
+                ASSERT_LE(std::abs(b[size_t(i)] - r[size_t(i)]), bound) << "QP " << qp;
         }
 }
 
@@ -302,16 +359,20 @@ TEST(H264Transform, DcRoundTrip) {
                 const int base = rng.uniform(-60, 60);  // DC levels stay below the 2063 limit at QP 0
                 for (int k = 0; k < blocks; ++k) {
                     dc[k] = 0;
-                    for (int16_t& v : res[k]) dc[k] = Kvt16s(dc[k] + (v = int16_t(base + rng.uniform(-15, 15))));
+                    for (int16_t& v : res[k])
+                        dc[k] = Kvt16s(dc[k] + (v = int16_t(base + rng.uniform(-15, 15))));
                     lv[k] = res[k];
                     Kvt8s n;
                     Kvt8u last;
-                    ASSERT_EQ(kvtiTransformQuantResidual_H264_16s_C1I(lv[k].data(), qp, &n, 1, scan.data(), &last), kvtStsOk);
+                    ASSERT_EQ(
+                        kvtiTransformQuantResidual_H264_16s_C1I(lv[k].data(), qp, &n, 1, scan.data(), &last),
+                        kvtStsOk);
                 }
                 Kvt8s n;
                 Kvt8u last;
                 if (blocks == 16) {
-                    ASSERT_EQ(kvtiTransformQuantLumaDC_H264_16s_C1I(dc, t, qp, &n, 1, scan.data(), &last), kvtStsOk);
+                    ASSERT_EQ(kvtiTransformQuantLumaDC_H264_16s_C1I(dc, t, qp, &n, 1, scan.data(), &last),
+                              kvtStsOk);
                     ASSERT_EQ(kvtiTransformDequantLumaDC_H264_16s_C1I(dc, qp), kvtStsOk);
                 } else {
                     ASSERT_EQ(kvtiTransformQuantChromaDC_H264_16s_C1I(dc, t, qp, &n, 1, 1), kvtStsOk);
@@ -319,9 +380,11 @@ TEST(H264Transform, DcRoundTrip) {
                 }
                 const double bound = 4 * (2.0 / 3) * qstep(qp) + 3;
                 for (int k = 0; k < blocks; ++k) {
-                    ASSERT_EQ(kvtiDequantTransformResidual_H264_16s_C1I(lv[k].data(), 8, &dc[k], 1, qp), kvtStsOk);
+                    ASSERT_EQ(kvtiDequantTransformResidual_H264_16s_C1I(lv[k].data(), 8, &dc[k], 1, qp),
+                              kvtStsOk);
                     for (int i = 0; i < 16; ++i)
-                        ASSERT_LE(std::abs(lv[k][size_t(i)] - res[k][size_t(i)]), bound) << blocks << " blocks, QP " << qp;
+                        ASSERT_LE(std::abs(lv[k][size_t(i)] - res[k][size_t(i)]), bound)
+                            << blocks << " blocks, QP " << qp;
                 }
             }
 }
@@ -336,7 +399,9 @@ TEST(H264Transform, SpRoundTrip) {
         for (int trial = 0; trial < 20; ++trial) {
             const int qs = rng.uniform(0, 30);
             Kvt8u o[16], p[16];
-            for (int i = 0; i < 16; ++i) o[i] = Kvt8u(rng.uniform(30, 220)), p[i] = Kvt8u(std::clamp(o[i] + rng.uniform(-20, 20), 0, 255));
+            for (int i = 0; i < 16; ++i)
+                o[i] = Kvt8u(rng.uniform(30, 220)),
+                p[i] = Kvt8u(std::clamp(o[i] + rng.uniform(-20, 20), 0, 255));
             Kvt16s to[16], tp[16], lv[16];
             kvtiTransformPrediction_H264_8u16s_C1(o, 4, to);
             kvtiTransformPrediction_H264_8u16s_C1(p, 4, tp);
@@ -344,9 +409,11 @@ TEST(H264Transform, SpRoundTrip) {
                 const double scale = (kV[qp % 6][cls(i)] << qp / 6) * kMATR[cls(i)] / 64.0;
                 lv[i] = Kvt16s(std::lround((to[i] - tp[i]) / scale));
             }
-            ASSERT_EQ(kvtiDequantTransformResidual_SISP_H264_16s_C1I(lv, tp, nullptr, 1, qp, qs, 0), kvtStsOk);
+            ASSERT_EQ(kvtiDequantTransformResidual_SISP_H264_16s_C1I(lv, tp, nullptr, 1, qp, qs, 0),
+                      kvtStsOk);
             const double bound = 4 * (qstep(qp) / 2 + qstep(qs) / 2) + 2;
-            for (int i = 0; i < 16; ++i) ASSERT_LE(std::abs(lv[i] - o[i]), bound) << "QP " << qp << " QS " << qs;
+            for (int i = 0; i < 16; ++i)
+                ASSERT_LE(std::abs(lv[i] - o[i]), bound) << "QP " << qp << " QS " << qs;
 
             Kvt16s zero[4] = {}, pdc[4] = {tp[0], Kvt16s(tp[0] + 40), Kvt16s(tp[0] - 40), tp[0]};
             ASSERT_EQ(kvtiTransformDequantChromaDC_SISP_H264_16s_C1I(zero, pdc, qp, qs, 1), kvtStsOk);
@@ -359,7 +426,8 @@ TEST(H264Transform, SpRoundTrip) {
 // sparse blocks; strided blocks at random (also odd and negative) steps.
 TEST(H264Transform, EveryTierMatchesOracle) {
     compare_tiers<TransformDsp>(
-        "transform", init_transform_dsp, ref::init_transform, 30, [](Rng& rng, const TransformDsp& d, Outputs& out) {
+        "transform", init_transform_dsp, ref::init_transform, 30,
+        [](Rng& rng, const TransformDsp& d, Outputs& out) {
             for (int qp = 0; qp < 52; ++qp) {
                 const std::string q = " QP " + std::to_string(qp);
                 Blk b = random_block(rng, rng.uniform(0, 3));
@@ -385,7 +453,8 @@ TEST(H264Transform, EveryTierMatchesOracle) {
                     std::copy(b.begin(), b.end(), c.data());
                     const bool no_block = dc_only && dcp && rng.coin();
                     const ResidualAddFn add = dc_only ? d.residual_dc_add : d.residual_add;
-                    out.add(what + " add", add(pred.data(), pred.step(), no_block ? nullptr : c.data(), dcp, dst.data(), dst.step(), qp));
+                    out.add(what + " add", add(pred.data(), pred.step(), no_block ? nullptr : c.data(), dcp,
+                                               dst.data(), dst.step(), qp));
                     out.add_buffer(what + " add", dst), out.add_buffer(what + " add block", c);
                 }
                 Kvt8u px[16];
@@ -394,8 +463,10 @@ TEST(H264Transform, EveryTierMatchesOracle) {
                 out.add("prediction", d.transform_prediction(px, 4, tp)), out.add("prediction out", tp);
                 Blk sp = random_block(rng, 0);
                 const int qs = rng.uniform(0, 51), si = rng.coin();
-                out.add("SP" + q, d.sisp_residual(sp.data(), tp, dcp, rng.coin(), qp, qs, si)), out.add("SP out" + q, sp);
-                out.add("SP DC" + q, d.sisp_chroma_dc(sp.data(), tp, qp, qs, si)), out.add("SP DC out" + q, sp);
+                out.add("SP" + q, d.sisp_residual(sp.data(), tp, dcp, rng.coin(), qp, qs, si)),
+                    out.add("SP out" + q, sp);
+                out.add("SP DC" + q, d.sisp_chroma_dc(sp.data(), tp, qp, qs, si)),
+                    out.add("SP DC out" + q, sp);
             }
         });
 }
@@ -410,17 +481,21 @@ TEST(H264Quant, EveryTierMatchesOracle) {
                 const int pattern = rng.uniform(0, 3);
                 const bool intra = rng.coin(), transform = rng.coin();
                 Blk c = random_block(rng, pattern), t = random_block(rng, pattern);
+                if (rng.coin())
+                    t[size_t(rng.uniform(0, 15))] = Kvt16s(luma_dc_for_level(qp, rng.uniform(2063, 2064)));
                 Kvt8s count = 99;
                 Kvt8u last = 99;
                 out.add("residual" + q, d.residual(c.data(), qp, &count, intra, scan.data(), &last));
                 out.add("residual out" + q, c), out.add("count" + q, count), out.add("last" + q, last);
                 c = random_block(rng, pattern);
-                out.add("luma DC" + q, d.luma_dc(c.data(), t.data(), qp, &count, transform, scan.data(), &last));
+                out.add("luma DC" + q,
+                        d.luma_dc(c.data(), t.data(), qp, &count, transform, scan.data(), &last));
                 out.add("luma DC out" + q, c), out.add("luma DC t" + q, t), out.add("count" + q, count);
                 out.add("last" + q, last);
                 if (qp < 40) {
                     out.add("chroma DC" + q, d.chroma_dc(c.data(), t.data(), qp, &count, intra, transform));
-                    out.add("chroma DC out" + q, c), out.add("chroma DC t" + q, t), out.add("count" + q, count);
+                    out.add("chroma DC out" + q, c), out.add("chroma DC t" + q, t),
+                        out.add("count" + q, count);
                 }
             }
         });
