@@ -16,6 +16,7 @@
 #include <type_traits>
 
 #include "h264/interp_dsp.h"
+#include "h264/rows_x86.h"
 
 namespace kvt {
 namespace {
@@ -132,20 +133,6 @@ inline Row<W> centre(const Row<W>& a, const Row<W>& b, const Row<W>& c, const Ro
 
 // ---- Memory -------------------------------------------------------------------------------------
 
-inline __m128i load4(const uint8_t* p) {
-    int32_t v;
-    std::memcpy(&v, p, 4);
-    return _mm_cvtsi32_si128(v);
-}
-inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
-inline __m128i load16(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
-inline void store4(uint8_t* p, __m128i v) {
-    const int32_t x = _mm_cvtsi128_si32(v);
-    std::memcpy(p, &x, 4);
-}
-inline void store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
-inline void store16(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
-
 // W samples widened to 16 bits.
 template <int W>
 inline Row<W> load_row(const uint8_t* p) {
@@ -184,51 +171,6 @@ inline void store_row16(int16_t* p, const Row<W>& r) {
 #endif
 }
 
-// Two rows of W bytes: one register (W = 4: bytes 0..3 and 8..11; W = 8: 0..7 and 8..15; AVX2
-// W = 16: one row per half), or two (W = 16 without AVX2: a row each).
-template <int W>
-struct PairRegs {
-    using T = __m128i;
-    static constexpr int n = W == 16 ? 2 : 1;
-};
-#if defined(__AVX2__)
-template <>
-struct PairRegs<16> {
-    using T = __m256i;
-    static constexpr int n = 1;
-};
-#endif
-template <int W>
-struct Pair {
-    static constexpr int n = PairRegs<W>::n;
-    typename PairRegs<W>::T v[n];
-};
-
-template <int W>
-inline Pair<W> load_pair(const uint8_t* p, intptr_t s) {
-    if constexpr (W == 4) return {{_mm_unpacklo_epi64(load4(p), load4(p + s))}};
-    if constexpr (W == 8) return {{_mm_unpacklo_epi64(load8(p), load8(p + s))}};
-#if defined(__AVX2__)
-    if constexpr (W == 16)
-        return {{_mm256_inserti128_si256(_mm256_castsi128_si256(load16(p)), load16(p + s), 1)}};
-#else
-    if constexpr (W == 16) return {{load16(p), load16(p + s)}};
-#endif
-}
-
-template <int W>
-inline void store_pair(uint8_t* p, intptr_t s, const Pair<W>& v) {
-    if constexpr (W == 4) store4(p, v.v[0]), store4(p + s, _mm_srli_si128(v.v[0], 8));
-    if constexpr (W == 8)
-        store8(p, v.v[0]), _mm_storeh_pd(reinterpret_cast<double*>(p + s), _mm_castsi128_pd(v.v[0]));
-#if defined(__AVX2__)
-    if constexpr (W == 16)
-        store16(p, _mm256_castsi256_si128(v.v[0])), store16(p + s, _mm256_extracti128_si256(v.v[0], 1));
-#else
-    if constexpr (W == 16) store16(p, v.v[0]), store16(p + s, v.v[1]);
-#endif
-}
-
 // Two rows of 16-bit values in 0..255 packed (with saturation, the final clamp) to bytes.
 template <int W>
 inline Pair<W> pack(const Row<W>& a, const Row<W>& b) {
@@ -238,17 +180,6 @@ inline Pair<W> pack(const Row<W>& a, const Row<W>& b) {
     if constexpr (W == 16) return {{_mm_packus_epi16(a.v[0], a.v[1]), _mm_packus_epi16(b.v[0], b.v[1])}};
 #endif
     if constexpr (W < 16) return {{_mm_packus_epi16(a.v[0], b.v[0])}};
-}
-
-inline __m128i avg_bytes(__m128i a, __m128i b) { return _mm_avg_epu8(a, b); }
-#if defined(__AVX2__)
-inline __m256i avg_bytes(__m256i a, __m256i b) { return _mm256_avg_epu8(a, b); }
-#endif
-template <int W>
-inline Pair<W> avg(const Pair<W>& a, const Pair<W>& b) {
-    Pair<W> r;
-    for (int i = 0; i < Pair<W>::n; ++i) r.v[i] = avg_bytes(a.v[i], b.v[i]);
-    return r;
 }
 
 // ---- The horizontal six-tap sums of one row -------------------------------------------------------
@@ -436,6 +367,57 @@ KvtStatus centre_row(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, i
     const auto h_at = [&](int y) { return rounded<5>(load_row16<W>(sums[y] + 2 + dx / 2)); };
     return by_pairs<W>(dst, ds, height,
                        [&](int y) { return avg(pack(j_at(y), j_at(y + 1)), pack(h_at(y), h_at(y + 1))); });
+}
+
+// ---- Chroma ---------------------------------------------------------------------------------------
+
+// One source row's part in the bilinear blend, for W = 4 or 8 outputs (16-bit lanes): with the
+// row below it (weights a, b) and with the row above it (c, d).
+struct Bilinear {
+    struct Terms {
+        __m128i upper, lower;
+    };
+#if defined(__SSSE3__)
+    __m128i ab, cd;  // byte pairs of weights for the pairs (p[x], p[x+1])
+    Bilinear(int dx, int dy)
+        : ab(_mm_set1_epi16(int16_t((dx * (8 - dy)) << 8 | (8 - dx) * (8 - dy)))),
+          cd(_mm_set1_epi16(int16_t((dx * dy) << 8 | (8 - dx) * dy))) {}
+    template <int W>
+    Terms terms(const uint8_t* p) const {
+        const __m128i pairs =
+            W == 8 ? _mm_unpacklo_epi8(load8(p), load8(p + 1)) : _mm_unpacklo_epi8(load4(p), load4(p + 1));
+        return {_mm_maddubs_epi16(pairs, ab), _mm_maddubs_epi16(pairs, cd)};
+    }
+#else
+    __m128i a, b, c, d;
+    Bilinear(int dx, int dy)
+        : a(_mm_set1_epi16(int16_t((8 - dx) * (8 - dy)))),
+          b(_mm_set1_epi16(int16_t(dx * (8 - dy)))),
+          c(_mm_set1_epi16(int16_t((8 - dx) * dy))),
+          d(_mm_set1_epi16(int16_t(dx * dy))) {}
+    template <int W>
+    Terms terms(const uint8_t* p) const {
+        const __m128i s0 = load_row<W>(p).v[0], s1 = load_row<W>(p + 1).v[0];
+        return {_mm_add_epi16(_mm_mullo_epi16(s0, a), _mm_mullo_epi16(s1, b)),
+                _mm_add_epi16(_mm_mullo_epi16(s0, c), _mm_mullo_epi16(s1, d))};
+    }
+#endif
+};
+
+// Eighth-sample chroma of a 4- or 8-wide block: (upper + lower + 32) >> 6, each source row's
+// terms computed once.
+template <int W>
+KvtStatus chroma(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int dx, int dy, int height) {
+    const Bilinear k(dx, dy);
+    Bilinear::Terms above = k.terms<W>(src);
+    return by_pairs<W>(dst, ds, height, [&](int y) {
+        const uint8_t* p = src + intptr_t(y + 1) * ss;
+        const Bilinear::Terms r1 = k.terms<W>(p), r2 = k.terms<W>(p + ss);
+        const __m128i o0 = round_shift<6>(_mm_add_epi16(above.upper, r1.lower));
+        const __m128i o1 = round_shift<6>(_mm_add_epi16(r1.upper, r2.lower));
+        above = r2;
+        return Pair<W>{{_mm_packus_epi16(o0, o1)}};
+    });
 }
 
 // The sixteen positions of one width, position dx * 4 + dy.
