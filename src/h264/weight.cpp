@@ -1,5 +1,5 @@
 // Front of the H.264 weighted average: the checks in their documented order, then one kernel
-// chosen by width (and by the weights' size: the vector kernels multiply in 16-bit lanes).
+// chosen by width and by the size of the parameters (weight_dsp.h).
 #include "common/kernel.h"
 #include "h264/weight_dsp.h"
 #include "kvtvc.h"
@@ -10,7 +10,6 @@ namespace {
 KVT_DSP_TABLE(WeightDsp, init_weight_dsp) dsp;
 
 bool block_size(int v) { return v == 2 || v == 4 || v == 8 || v == 16; }
-bool fits16(int32_t w) { return w >= -32768 && w <= 32767; }
 }  // namespace
 
 KvtStatus kvtiWeightedAverage_H264_8u_C1IR(const Kvt8u* pSrc1, Kvt8u* pSrc2Dst, Kvt32s srcDstStep,
@@ -20,6 +19,8 @@ KvtStatus kvtiWeightedAverage_H264_8u_C1IR(const Kvt8u* pSrc1, Kvt8u* pSrc2Dst, 
     if (!pSrc1 || !pSrc2Dst) return kvtStsNullPointer;
     if (srcDstStep < w) return kvtStsBadStep;
     if (!block_size(w) || !block_size(h)) return kvtStsBadSize;
-    const WeightFn* kernels = fits16(weight1) && fits16(weight2) ? dsp.average : dsp.average_wide;
+    const WeightFn* kernels = small_weights(weight1, weight2, shift, offset) ? dsp.average_small
+                              : halfword_weights(weight1, weight2)           ? dsp.average
+                                                                             : dsp.average_wide;
     return kernels[weight_width_slot(w)](pSrc1, pSrc2Dst, srcDstStep, weight1, weight2, shift, offset, h);
 }

@@ -30,10 +30,12 @@ KvtStatus average(const uint8_t* src1, uint8_t* dst, int32_t step, int32_t w1, i
 }  // namespace
 
 void init_weight(WeightDsp& d) {
-    d.average[0] = d.average_wide[0] = average<2>;
-    d.average[1] = d.average_wide[1] = average<4>;
-    d.average[2] = d.average_wide[2] = average<8>;
-    d.average[3] = d.average_wide[3] = average<16>;
+    for (WeightFn* slots : {d.average_small, d.average, d.average_wide}) {
+        slots[0] = average<2>;
+        slots[1] = average<4>;
+        slots[2] = average<8>;
+        slots[3] = average<16>;
+    }
 }
 
 }  // namespace kvt::KVT_C_NS

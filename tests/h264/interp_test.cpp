@@ -90,7 +90,8 @@ struct RefArea : FencedArea {
     RefArea(Rng& rng, int w, int h, int before, int after, const Picture& pic, Steps steps = Steps::kAnySign,
             int min_step = 0)
         : FencedArea(w + before + after, h + before + after,
-                     random_step(rng, std::max(w + before + after, min_step), steps), rng.coin(), before, before) {
+                     random_step(rng, std::max(w + before + after, min_step), steps), rng.coin(), before,
+                     before) {
         for (int y = -before; y < h + after; ++y)
             for (int x = -before; x < w + after; ++x) at(x, y) = pic.value(rng, x, y);
     }
@@ -323,25 +324,44 @@ TEST(H264WeightedAverage, EdgeCases) {
     EXPECT_EQ(std::count(shift0.out.begin(), shift0.out.end(), 0), 16);
 }
 
+// Parameters of each class of slots (weight_dsp.h), extremes of the class included.
+struct WeightParams {
+    int32_t w1, w2;
+    uint32_t shift;
+    int32_t offset;
+    static WeightParams draw(Rng& rng, int cls) {
+        const auto pick = [&](int lo, int hi) {
+            return rng.uniform(0, 3) == 0 ? (rng.coin() ? lo : hi) : rng.uniform(lo, hi);
+        };
+        if (cls == 0) {
+            const int w1 = pick(-128, 127), room = 128 - std::abs(w1);
+            return {w1, std::clamp(pick(-room, room), -128, 127), uint32_t(pick(1, 15)), pick(-16384, 16383)};
+        }
+        const auto weight = [&] {
+            return cls == 1 ? pick(-32768, 32767) : rng.coin() ? int32_t(rng.next()) : pick(-300, 300);
+        };
+        const uint32_t shift = rng.coin() ? rng.next() : uint32_t(rng.uniform(0, 12));
+        return {weight(), weight(), shift, rng.coin() ? int32_t(rng.next()) : pick(-600, 600)};
+    }
+};
+
 TEST(H264WeightedAverage, TiersMatchTheOracle) {
-    for (const bool wide : {false, true})
+    for (int cls = 0; cls < 3; ++cls)
         compare_tiers<WeightDsp>(
-            "weighted", init_weight_dsp, ref::init_weight, 60,
-            [wide](Rng& rng, const WeightDsp& d, Outputs& out) {
+            "weighted", init_weight_dsp, ref::init_weight, 100,
+            [cls](Rng& rng, const WeightDsp& d, Outputs& out) {
+                const WeightFn* slots[3] = {d.average_small, d.average, d.average_wide};
                 for (int slot = 0; slot < 4; ++slot) {
                     const int w = kWeightSizes[slot], h = kWeightSizes[rng.uniform(0, 3)];
-                    const int lim = wide ? 0x7FFFFFFF : 32767;
-                    const int32_t w1 = rng.coin() ? rng.uniform(-lim, lim) : rng.uniform(-300, 300);
-                    const int32_t w2 = rng.coin() ? rng.uniform(-lim, lim) : rng.uniform(-300, 300);
-                    const uint32_t shift = rng.coin() ? rng.next() : uint32_t(rng.uniform(0, 12));
-                    const int32_t offset = rng.coin() ? int32_t(rng.next()) : rng.uniform(-600, 600);
+                    const WeightParams p = WeightParams::draw(rng, cls);
                     Plane<uint8_t> a(w, h, random_step(rng, w), size_t(rng.uniform(0, 15)));
                     Plane<uint8_t> b(w, h, a.step(), size_t(rng.uniform(0, 15)));
                     for (int y = 0; y < h; ++y)
                         rng.fill(a.row(y), size_t(w), 0, 255), rng.fill(b.row(y), size_t(w), 0, 255);
-                    (wide ? d.average_wide : d.average)[slot](a.data(), b.data(), a.step(), w1, w2, shift,
-                                                              offset, h);
-                    out.add_buffer("weighted " + std::to_string(w) + "x" + std::to_string(h), b);
+                    slots[cls][slot](a.data(), b.data(), a.step(), p.w1, p.w2, p.shift, p.offset, h);
+                    out.add_buffer(
+                        "class " + std::to_string(cls) + " " + std::to_string(w) + "x" + std::to_string(h),
+                        b);
                 }
             });
 }
