@@ -52,7 +52,7 @@ bool Encoder::try_code_macroblock(int mbx, int mby, bool p_slice, int qp, MbCode
     pred.begin(mbx, mby, &info);
     const Mv skip_mv = pred.skip();
     const MvRange range = mv_range(mbx, mby, 16 * sp_.mb_cols, 16 * sp_.mb_rows, kBorder);
-    const MotionSearch ms(fs_.src->y, fs_.ref->y, lambda);
+    const MotionSearch ms(fs_.src->y, ref_luma_, lambda);
     const Partition whole{16 * mbx, 16 * mby, 16, 16};
     const bool skip_reachable = range.clamp(skip_mv) == skip_mv;
     // Try P_Skip first when its prediction is close: about one quantizer step per 4x4 block.
@@ -85,7 +85,7 @@ void Encoder::encode(const Picture& src, std::vector<uint8_t>& out) {
         append_nal(out, kNalSps, 3, sps_rbsp(sp_));
         append_nal(out, kNalPps, 3, pps_rbsp());
     }
-    fs_.src = &src, fs_.rec = &rec_, fs_.ref = &ref_;
+    fs_.src = &src, fs_.rec = &rec_, fs_.ref = &ref_, fs_.ref_luma = &ref_luma_;
     BitWriter bw;
     SliceParams sh;
     sh.idr = idr, sh.frame_num = frame_num_, sh.idr_pic_id = idr_count_ & 1, sh.qp = cfg_.qp;
@@ -116,6 +116,7 @@ void Encoder::encode(const Picture& src, std::vector<uint8_t>& out) {
     deblock_picture(fs_);
     rec_.extend_borders();
     std::swap(rec_, ref_);
+    if (cfg_.keyint > 1) ref_luma_.build(ref_.y);
     ++frame_index_;
     frame_num_ = (frame_num_ + 1) % (1 << kLog2MaxFrameNum);
     if (idr) ++idr_count_;

@@ -35,6 +35,7 @@ private:
     EncoderConfig cfg_;
     StreamParams sp_;
     Picture rec_, ref_;
+    RefLuma ref_luma_;
     FrameState fs_;
     int frame_index_ = 0, frame_num_ = 0, idr_count_ = 0;
 };

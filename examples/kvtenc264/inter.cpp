@@ -46,9 +46,13 @@ void predict_partition(FrameState& fs, int mbx, int mby, const Shape& s, Mv mv) 
 
 int type_bits(MbType t) { return t == MbType::P16x16 ? 1 : t == MbType::P8x8 ? 7 : 3; }
 
-// Searches every partition of type t in order; the vectors go into the macroblock's record.
-InterChoice search_shape(FrameState& fs, int mbx, int mby, MbType t, int lambda, const MvRange& range,
-                         const MotionSearch& ms, MvPredictor& pred, const Mv* seeds, int seed_count) {
+// Index in WholeSearch::part_mv of partition p of type t.
+int whole_index(MbType t, int p) { return t == MbType::P16x8 ? p : t == MbType::P8x16 ? 2 + p : 4 + p; }
+
+// Refines every partition of type t from its whole-sample vector, in order, each against the
+// predictor its decided neighbours give; the vectors go into the macroblock's record.
+InterChoice refine_shape(FrameState& fs, int mbx, int mby, MbType t, const WholeSearch& ws, int lambda,
+                         const MvRange& range, const MotionSearch& ms, MvPredictor& pred) {
     MbInfo& info = fs.mb(mbx, mby);
     InterChoice ch;
     ch.type = t;
@@ -58,8 +62,9 @@ InterChoice search_shape(FrameState& fs, int mbx, int mby, MbType t, int lambda,
         const Shape s = shape_of(t, p);
         const Partition part{16 * mbx + 4 * s.x, 16 * mby + 4 * s.y, 4 * s.w, 4 * s.h};
         ch.mvp[p] = pred.predict(s.x, s.y, s.w, t, p);
+        const Mv start = t == MbType::P16x16 ? ws.mv16 : ws.part_mv[whole_index(t, p)];
         int cost = 0;
-        ch.mv[p] = ms.search(part, ch.mvp[p], seeds, seed_count, range, &cost);
+        ch.mv[p] = ms.refine(part, start, ch.mvp[p], range, &cost);
         ch.cost += cost;
         set_mv(info, s, ch.mv[p]);
         pred.mark(s.x, s.y, s.w, s.h);
@@ -73,21 +78,30 @@ InterChoice search_inter(FrameState& fs, int mbx, int mby, int lambda, const MvR
     MbInfo& info = fs.mb(mbx, mby);
     info = MbInfo{};
     info.type = MbType::P16x16;
-    const MotionSearch ms(fs.src->y, fs.ref->y, lambda);
+    const MotionSearch ms(fs.src->y, *fs.ref_luma, lambda);
     MvPredictor pred(fs.mbs, fs.mb_cols);
+    pred.begin(mbx, mby, &info);
+    const Mv mvp = pred.predict(0, 0, 4, MbType::P16x16, 0);
     Mv seeds[4];
     int n = 0;
     seeds[n++] = Mv{};
-    if (mbx) seeds[n++] = fs.mb(mbx - 1, mby).mv[0];
-    if (mby) seeds[n++] = fs.mb(mbx, mby - 1).mv[0];
-    InterChoice best = search_shape(fs, mbx, mby, MbType::P16x16, lambda, range, ms, pred, seeds, n);
-    // Smaller partitions only where the whole-macroblock match is poor, seeded with its vector.
-    if (best.cost > 32 * lambda + 256) {
-        seeds[n++] = best.mv[0];
-        for (MbType t : {MbType::P16x8, MbType::P8x16, MbType::P8x8}) {
-            const InterChoice ch = search_shape(fs, mbx, mby, t, lambda, range, ms, pred, seeds, n);
-            if (ch.cost < best.cost) best = ch;
-        }
+    if (mbx) seeds[n++] = fs.mb(mbx - 1, mby).mv[3];
+    if (mby) seeds[n++] = fs.mb(mbx, mby - 1).mv[12];
+    if (mby && mbx + 1 < fs.mb_cols) seeds[n++] = fs.mb(mbx + 1, mby - 1).mv[12];
+    const WholeSearch ws = ms.search_whole(mbx, mby, mvp, seeds, n, range);
+    InterChoice best = refine_shape(fs, mbx, mby, MbType::P16x16, ws, lambda, range, ms, pred);
+    // A smaller partitioning is refined only when it wins at whole samples.
+    const int whole16 = ws.cost16 + lambda * type_bits(MbType::P16x16);
+    MbType shape = MbType::P16x16;
+    int shape_cost = whole16;
+    for (MbType t : {MbType::P16x8, MbType::P8x16, MbType::P8x8}) {
+        int c = lambda * type_bits(t);
+        for (int p = 0; p < partitions(t); ++p) c += ws.part_cost[whole_index(t, p)];
+        if (c < shape_cost) shape_cost = c, shape = t;
+    }
+    if (shape != MbType::P16x16) {
+        const InterChoice ch = refine_shape(fs, mbx, mby, shape, ws, lambda, range, ms, pred);
+        if (ch.cost < best.cost) best = ch;
     }
     info.type = best.type;
     for (int p = 0; p < partitions(best.type); ++p) set_mv(info, shape_of(best.type, p), best.mv[p]);

@@ -1,11 +1,24 @@
 #include "motion.h"
 
+#include <kvtvc.h>
+
 #include <algorithm>
 
-#include <kvtvc.h>
 #include "bitwriter.h"
 
 namespace enc264 {
+
+namespace {
+
+// Quarters of the 16x16 block summed by each partition of WholeSearch::part_mv.
+constexpr int kPartQuarters[8] = {0b0011, 0b1100, 0b0101, 0b1010, 0b0001, 0b0010, 0b0100, 0b1000};
+
+Mv offset(Mv m, int dx, int dy) { return Mv{static_cast<int16_t>(m.x + dx), static_cast<int16_t>(m.y + dy)}; }
+
+// Nearest whole-sample vector.
+Mv whole(Mv m) { return Mv{static_cast<int16_t>((m.x + 2) & ~3), static_cast<int16_t>((m.y + 2) & ~3)}; }
+
+}  // namespace
 
 Mv MvRange::clamp(Mv m) const {
     m.x = static_cast<int16_t>(std::clamp<int>(m.x, min_x, max_x));
@@ -25,12 +38,34 @@ MvRange mv_range(int mbx, int mby, int width, int height, int border) {
     return r;
 }
 
+void RefLuma::build(const Plane& luma) {
+    whole = &luma;
+    const int margin = luma.border() - 8;
+    for (int k = 0; k < 3; ++k) {
+        if (half[k].width() != luma.width()) half[k] = Plane(luma.width(), luma.height(), luma.border());
+        const int dx = k == 1 ? 0 : 2, dy = k == 0 ? 0 : 2;
+        for (int y = -margin; y < luma.height() + margin; y += 16)
+            for (int x = -margin; x < luma.width() + margin; x += 16)
+                kvtiInterpolateLuma_H264_8u_C1R(luma.at(x, y), luma.stride(), half[k].at(x, y), half[k].stride(), dx,
+                                                dy, KvtRegionSize{16, 16});
+    }
+}
+
+const uint8_t* RefLuma::at(int x, int y, Mv mv) const {
+    if ((mv.x | mv.y) & 1) return nullptr;
+    const int k = (mv.y & 2) + (mv.x & 2) / 2;
+    const Plane& p = k ? half[k - 1] : *whole;
+    return p.at(x + (mv.x >> 2), y + (mv.y >> 2));
+}
+
 int MotionSearch::sad(const Partition& p, Mv mv) const {
-    const uint8_t* ref = ref_.at(p.x + (mv.x >> 2), p.y + (mv.y >> 2));
-    int ref_step = ref_.stride();
+    const uint8_t* ref = ref_.at(p.x, p.y, mv);
+    int ref_step = ref_.whole->stride();
     alignas(16) uint8_t pred[16 * 16];
-    if ((mv.x | mv.y) & 3) {
-        kvtiInterpolateLuma_H264_8u_C1R(ref, ref_step, pred, 16, mv.x & 3, mv.y & 3, KvtRegionSize{p.w, p.h});
+    if (!ref) {
+        const Plane& g = *ref_.whole;
+        kvtiInterpolateLuma_H264_8u_C1R(g.at(p.x + (mv.x >> 2), p.y + (mv.y >> 2)), g.stride(), pred, 16, mv.x & 3,
+                                        mv.y & 3, KvtRegionSize{p.w, p.h});
         ref = pred, ref_step = 16;
     }
     const uint8_t* cur = src_.at(p.x, p.y);
@@ -41,8 +76,8 @@ int MotionSearch::sad(const Partition& p, Mv mv) const {
     }
     for (int y = 0; y < p.h; y += 8)
         for (int x = 0; x < p.w; x += 8) {
-            kvtiSAD8x8_8u32s_C1R(cur + y * src_.stride() + x, src_.stride(), ref + y * ref_step + x, ref_step,
-                                 &part, 0);
+            kvtiSAD8x8_8u32s_C1R(cur + y * src_.stride() + x, src_.stride(), ref + y * ref_step + x, ref_step, &part,
+                                 0);
             total += part;
         }
     return total;
@@ -52,40 +87,57 @@ int MotionSearch::mv_cost(Mv mv, Mv mvp) const {
     return lambda_ * (se_bits(mv.x - mvp.x) + se_bits(mv.y - mvp.y));
 }
 
-Mv MotionSearch::search(const Partition& p, Mv mvp, const Mv* candidates, int count, const MvRange& range,
-                        int* cost) const {
-    auto eval = [&](Mv m) { return sad(p, m) + mv_cost(m, mvp); };
-    auto whole = [](Mv m) {  // nearest whole-sample vector
-        return Mv{static_cast<int16_t>((m.x + 2) & ~3), static_cast<int16_t>((m.y + 2) & ~3)};
+WholeSearch MotionSearch::search_whole(int mbx, int mby, Mv mvp, const Mv* candidates, int count,
+                                       const MvRange& range) const {
+    WholeSearch r;
+    r.cost16 = 1 << 30;
+    for (int& c : r.part_cost) c = 1 << 30;
+    const Plane& g = *ref_.whole;
+    const uint8_t* cur = src_.at(16 * mbx, 16 * mby);
+    // Scores a whole-sample vector for the macroblock and every partition; true when it is the
+    // best 16x16 vector so far.
+    auto visit = [&](Mv m) {
+        Kvt16u q[4];
+        kvtiSAD16x16Blocks8x8_8u16u(cur, src_.stride(), g.at(16 * mbx + m.x / 4, 16 * mby + m.y / 4), g.stride(), q);
+        const int bits = mv_cost(m, mvp);
+        for (int k = 0; k < 8; ++k) {
+            int c = bits;
+            for (int i = 0; i < 4; ++i)
+                if (kPartQuarters[k] >> i & 1) c += q[i];
+            if (c < r.part_cost[k]) r.part_cost[k] = c, r.part_mv[k] = m;
+        }
+        const int c16 = q[0] + q[1] + q[2] + q[3] + bits;
+        if (c16 >= r.cost16) return false;
+        r.cost16 = c16, r.mv16 = m;
+        return true;
     };
-    Mv best = range.clamp(whole(mvp));
-    int best_cost = eval(best);
+    visit(range.clamp(whole(mvp)));
     for (int i = 0; i < count; ++i) {
         const Mv m = range.clamp(whole(candidates[i]));
-        if (m == best) continue;
-        const int c = eval(m);
-        if (c < best_cost) best_cost = c, best = m;
+        if (m != r.mv16) visit(m);
     }
-    static const int kDiamond[4][2] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
+    static const int kDiamond[4][2] = {{0, -4}, {-4, 0}, {4, 0}, {0, 4}};
     for (int iter = 0; iter < 16; ++iter) {
-        const Mv center = best;
+        const Mv center = r.mv16;
         for (const auto& d : kDiamond) {
-            const Mv m = range.clamp(
-                Mv{static_cast<int16_t>(center.x + 4 * d[0]), static_cast<int16_t>(center.y + 4 * d[1])});
-            if (m == center) continue;
-            const int c = eval(m);
-            if (c < best_cost) best_cost = c, best = m;
+            const Mv m = range.clamp(offset(center, d[0], d[1]));
+            if (m != center) visit(m);
         }
-        if (best == center) break;
+        if (r.mv16 == center) break;
     }
+    return r;
+}
+
+Mv MotionSearch::refine(const Partition& p, Mv start, Mv mvp, const MvRange& range, int* cost) const {
+    Mv best = start;
+    int best_cost = sad(p, best) + mv_cost(best, mvp);
     static const int kSquare[8][2] = {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}};
     for (int step = 2; step >= 1; step /= 2) {
         const Mv center = best;
         for (const auto& d : kSquare) {
-            const Mv m = range.clamp(Mv{static_cast<int16_t>(center.x + step * d[0]),
-                                        static_cast<int16_t>(center.y + step * d[1])});
+            const Mv m = range.clamp(offset(center, step * d[0], step * d[1]));
             if (m == center) continue;
-            const int c = eval(m);
+            const int c = sad(p, m) + mv_cost(m, mvp);
             if (c < best_cost) best_cost = c, best = m;
         }
     }

@@ -1,6 +1,10 @@
-// Motion search of one partition against the reference picture: the best of a few candidate
-// vectors, a small diamond walk at whole samples, then half- and quarter-sample refinement with
-// the library's interpolation. Costs are SAD + lambda * bits of the vector difference.
+// Motion search against the reference picture, built on the library's SAD metrics:
+//  - a whole-sample search of the macroblock (the best of a few candidate vectors, then a small
+//    diamond walk) that scores every 16x8, 8x16 and 8x8 partition at the positions it visits,
+//    from the four 8x8 SADs of each position;
+//  - half- then quarter-sample refinement of a partition: half samples read from planes the
+//    library's interpolation builds once per reference picture, quarter samples interpolated.
+// Costs are SAD + lambda * bits of the vector difference.
 #pragma once
 #include "macroblock.h"
 #include "picture.h"
@@ -15,23 +19,41 @@ struct MvRange {
 };
 MvRange mv_range(int mbx, int mby, int width, int height, int border);
 
+// The reference luma with its three half-sample planes (b, h and j of H.264 8.4.2.2.1: right,
+// below, and right-below of each whole sample), over the area mv_range lets vectors reach.
+struct RefLuma {
+    const Plane* whole = nullptr;
+    Plane half[3];  // index (dy / 2) * 2 + dx / 2 - 1: b, h, j
+    void build(const Plane& luma);
+    // Samples for a vector with whole or half components; nullptr for quarter positions.
+    const uint8_t* at(int x, int y, Mv mv) const;
+};
+
 struct Partition {
     int x, y, w, h;  // luma position in the picture and size
 };
 
+// Whole-sample results of the macroblock search: the 16x16 vector and, for each partition
+// (16x8 top, bottom, 8x16 left, right, 8x8 in raster order), its best vector among the visited.
+struct WholeSearch {
+    Mv mv16;
+    int cost16 = 0;
+    Mv part_mv[8];
+    int part_cost[8] = {};
+};
+
 class MotionSearch {
 public:
-    MotionSearch(const Plane& src, const Plane& ref, int lambda) : src_(src), ref_(ref), lambda_(lambda) {}
-    // SAD of the partition predicted with vector mv.
+    MotionSearch(const Plane& src, const RefLuma& ref, int lambda) : src_(src), ref_(ref), lambda_(lambda) {}
     int sad(const Partition& p, Mv mv) const;
     int mv_cost(Mv mv, Mv mvp) const;
-    // Best vector for the partition near the candidates (mvp first); *cost receives its cost.
-    Mv search(const Partition& p, Mv mvp, const Mv* candidates, int count, const MvRange& range,
-              int* cost) const;
+    WholeSearch search_whole(int mbx, int mby, Mv mvp, const Mv* candidates, int count, const MvRange& range) const;
+    // Refines a partition's vector around start to quarter samples; *cost receives its cost.
+    Mv refine(const Partition& p, Mv start, Mv mvp, const MvRange& range, int* cost) const;
 
 private:
     const Plane& src_;
-    const Plane& ref_;
+    const RefLuma& ref_;
     int lambda_;
 };
 

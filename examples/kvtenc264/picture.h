@@ -10,6 +10,11 @@ class Plane {
 public:
     Plane() = default;
     Plane(int width, int height, int border);
+    // Moves keep the samples where they are; copies would leave the origin behind.
+    Plane(Plane&&) = default;
+    Plane& operator=(Plane&&) = default;
+    Plane(const Plane&) = delete;
+    Plane& operator=(const Plane&) = delete;
     uint8_t* at(int x, int y) { return origin_ + static_cast<intptr_t>(y) * stride_ + x; }
     const uint8_t* at(int x, int y) const { return origin_ + static_cast<intptr_t>(y) * stride_ + x; }
     int stride() const { return stride_; }
