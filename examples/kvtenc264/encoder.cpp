@@ -116,7 +116,7 @@ void Encoder::encode(const Picture& src, std::vector<uint8_t>& out) {
     deblock_picture(fs_);
     rec_.extend_borders();
     std::swap(rec_, ref_);
-    if (cfg_.keyint > 1) ref_luma_.build(ref_.y);
+    ref_luma_.reset(ref_.y);
     ++frame_index_;
     frame_num_ = (frame_num_ + 1) % (1 << kLog2MaxFrameNum);
     if (idr) ++idr_count_;

@@ -15,7 +15,7 @@ struct FrameState {
     const Picture* src = nullptr;  // the input picture
     Picture* rec = nullptr;        // the reconstruction being built (not yet deblocked)
     const Picture* ref = nullptr;  // the previous reconstruction, deblocked, borders extended
-    const RefLuma* ref_luma = nullptr;  // its luma with the half-sample planes
+    RefLuma* ref_luma = nullptr;   // its luma with the half-sample planes
     std::vector<MbInfo> mbs;
     int mb_cols = 0, mb_rows = 0;
 

@@ -126,12 +126,62 @@ bool code_inter_mb(FrameState& fs, int mbx, int mby, int qp, const InterChoice& 
                        code, info);
 }
 
+namespace {
+
+// The largest SAD of a 4x4 residual whose inter levels are all zero at qp, whatever the samples:
+// a coefficient is at most w * SAD, w = 1, 2 or 4 by position class, so with the largest factor
+// MF * w (5243 * 4) its level (|c| * MF + 2^(15 + qp/6) / 6) >> (15 + qp/6) is zero below this.
+int zero_sad_4x4(int qp) {
+    const int one = 1 << (15 + qp / 6);
+    return (one - one / 6 - 1) / (4 * 5243);
+}
+// The same for the sum of the four DC coefficients of a chroma component (the 2x2 transform's
+// outputs are at most that sum, which is at most the 8x8 SAD), with the DC quantizer's 16 + q bits.
+int zero_sad_chroma_dc(int qpc) {
+    const int one = 1 << (16 + qpc / 6);
+    return (one - one / 6 - 1) / 13107;
+}
+
+// True when the prediction now in the reconstruction leaves no nonzero level at qp, judged from
+// SADs alone (a sufficient test; quantizing decides the rest).
+bool surely_zero(FrameState& fs, int mbx, int mby, int qp) {
+    const Block luma = fs.block(0, 16 * mbx, 16 * mby);
+    Kvt16u sads[16];
+    kvtiSAD16x16Blocks4x4_8u16u(luma.src, luma.src_step, luma.rec, luma.rec_step, sads);
+    const int bound = zero_sad_4x4(qp);
+    for (Kvt16u s : sads)
+        if (s > bound) return false;
+    const int qpc = chroma_qp(qp), ac_bound = zero_sad_4x4(qpc);
+    for (int c = 1; c < 3; ++c) {
+        const Block b = fs.block(c, 8 * mbx, 8 * mby);
+        int total = 0;
+        for (int k = 0; k < 4; ++k) {
+            const int off_src = (k >> 1) * 4 * b.src_step + (k & 1) * 4,
+                      off_rec = (k >> 1) * 4 * b.rec_step + (k & 1) * 4;
+            Kvt32s sad = 0;
+            kvtiSAD4x4_8u32s(b.src + off_src, b.src_step, b.rec + off_rec, b.rec_step, &sad);
+            if (sad > ac_bound) return false;
+            total += sad;
+        }
+        if (total > zero_sad_chroma_dc(qpc)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 bool try_skip(FrameState& fs, int mbx, int mby, int qp, Mv skip_mv) {
-    InterChoice ch;
-    ch.mv[0] = ch.mvp[0] = skip_mv;
-    MbCode code;
-    if (!code_inter_mb(fs, mbx, mby, qp, ch, code) || code.cbp_luma || code.cbp_chroma) return false;
     MbInfo& info = fs.mb(mbx, mby);
+    info = MbInfo{};
+    info.type = MbType::P16x16;
+    set_mv(info, shape_of(MbType::P16x16, 0), skip_mv);
+    predict_partition(fs, mbx, mby, shape_of(MbType::P16x16, 0), skip_mv);
+    if (!surely_zero(fs, mbx, mby, qp)) {
+        InterChoice ch;
+        ch.mv[0] = ch.mvp[0] = skip_mv;
+        MbCode code;
+        if (!code_inter_mb(fs, mbx, mby, qp, ch, code) || code.cbp_luma || code.cbp_chroma) return false;
+    }
     info.type = MbType::PSkip;
     return true;
 }

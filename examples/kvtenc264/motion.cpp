@@ -38,34 +38,44 @@ MvRange mv_range(int mbx, int mby, int width, int height, int border) {
     return r;
 }
 
-void RefLuma::build(const Plane& luma) {
-    whole = &luma;
-    const int margin = luma.border() - 8;
+void RefLuma::reset(const Plane& luma) {
+    whole_ = &luma;
+    margin_ = luma.border() - 8;
+    tiles_x_ = (luma.width() + 2 * margin_) / 16;
+    const size_t tiles = static_cast<size_t>(tiles_x_) * ((luma.height() + 2 * margin_) / 16);
     for (int k = 0; k < 3; ++k) {
-        if (half[k].width() != luma.width()) half[k] = Plane(luma.width(), luma.height(), luma.border());
-        const int dx = k == 1 ? 0 : 2, dy = k == 0 ? 0 : 2;
-        for (int y = -margin; y < luma.height() + margin; y += 16)
-            for (int x = -margin; x < luma.width() + margin; x += 16)
-                kvtiInterpolateLuma_H264_8u_C1R(luma.at(x, y), luma.stride(), half[k].at(x, y), half[k].stride(), dx,
-                                                dy, KvtRegionSize{16, 16});
+        if (half_[k].width() != luma.width()) half_[k] = Plane(luma.width(), luma.height(), luma.border());
+        done_[k].assign(tiles, 0);
     }
 }
 
-const uint8_t* RefLuma::at(int x, int y, Mv mv) const {
+const uint8_t* RefLuma::at(int x, int y, int w, int h, Mv mv) {
     if ((mv.x | mv.y) & 1) return nullptr;
+    x += mv.x >> 2, y += mv.y >> 2;
     const int k = (mv.y & 2) + (mv.x & 2) / 2;
-    const Plane& p = k ? half[k - 1] : *whole;
-    return p.at(x + (mv.x >> 2), y + (mv.y >> 2));
+    if (!k) return whole_->at(x, y);
+    Plane& p = half_[k - 1];
+    const int dx = k == 2 ? 0 : 2, dy = k == 1 ? 0 : 2;
+    for (int ty = (y + margin_) / 16; ty <= (y + h - 1 + margin_) / 16; ++ty)
+        for (int tx = (x + margin_) / 16; tx <= (x + w - 1 + margin_) / 16; ++tx) {
+            uint8_t& done = done_[k - 1][static_cast<size_t>(ty) * tiles_x_ + tx];
+            if (done) continue;
+            const int px = 16 * tx - margin_, py = 16 * ty - margin_;
+            kvtiInterpolateLuma_H264_8u_C1R(whole_->at(px, py), whole_->stride(), p.at(px, py), p.stride(),
+                                            dx, dy, KvtRegionSize{16, 16});
+            done = 1;
+        }
+    return p.at(x, y);
 }
 
 int MotionSearch::sad(const Partition& p, Mv mv) const {
-    const uint8_t* ref = ref_.at(p.x, p.y, mv);
-    int ref_step = ref_.whole->stride();
+    const uint8_t* ref = ref_.at(p.x, p.y, p.w, p.h, mv);
+    int ref_step = ref_.whole().stride();
     alignas(16) uint8_t pred[16 * 16];
     if (!ref) {
-        const Plane& g = *ref_.whole;
-        kvtiInterpolateLuma_H264_8u_C1R(g.at(p.x + (mv.x >> 2), p.y + (mv.y >> 2)), g.stride(), pred, 16, mv.x & 3,
-                                        mv.y & 3, KvtRegionSize{p.w, p.h});
+        const Plane& g = ref_.whole();
+        kvtiInterpolateLuma_H264_8u_C1R(g.at(p.x + (mv.x >> 2), p.y + (mv.y >> 2)), g.stride(), pred, 16,
+                                        mv.x & 3, mv.y & 3, KvtRegionSize{p.w, p.h});
         ref = pred, ref_step = 16;
     }
     const uint8_t* cur = src_.at(p.x, p.y);
@@ -76,8 +86,8 @@ int MotionSearch::sad(const Partition& p, Mv mv) const {
     }
     for (int y = 0; y < p.h; y += 8)
         for (int x = 0; x < p.w; x += 8) {
-            kvtiSAD8x8_8u32s_C1R(cur + y * src_.stride() + x, src_.stride(), ref + y * ref_step + x, ref_step, &part,
-                                 0);
+            kvtiSAD8x8_8u32s_C1R(cur + y * src_.stride() + x, src_.stride(), ref + y * ref_step + x, ref_step,
+                                 &part, 0);
             total += part;
         }
     return total;
@@ -92,13 +102,14 @@ WholeSearch MotionSearch::search_whole(int mbx, int mby, Mv mvp, const Mv* candi
     WholeSearch r;
     r.cost16 = 1 << 30;
     for (int& c : r.part_cost) c = 1 << 30;
-    const Plane& g = *ref_.whole;
+    const Plane& g = ref_.whole();
     const uint8_t* cur = src_.at(16 * mbx, 16 * mby);
     // Scores a whole-sample vector for the macroblock and every partition; true when it is the
     // best 16x16 vector so far.
     auto visit = [&](Mv m) {
         Kvt16u q[4];
-        kvtiSAD16x16Blocks8x8_8u16u(cur, src_.stride(), g.at(16 * mbx + m.x / 4, 16 * mby + m.y / 4), g.stride(), q);
+        kvtiSAD16x16Blocks8x8_8u16u(cur, src_.stride(), g.at(16 * mbx + m.x / 4, 16 * mby + m.y / 4),
+                                    g.stride(), q);
         const int bits = mv_cost(m, mvp);
         for (int k = 0; k < 8; ++k) {
             int c = bits;
@@ -131,16 +142,21 @@ WholeSearch MotionSearch::search_whole(int mbx, int mby, Mv mvp, const Mv* candi
 Mv MotionSearch::refine(const Partition& p, Mv start, Mv mvp, const MvRange& range, int* cost) const {
     Mv best = start;
     int best_cost = sad(p, best) + mv_cost(best, mvp);
-    static const int kSquare[8][2] = {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}};
-    for (int step = 2; step >= 1; step /= 2) {
+    // Half samples: the eight around the whole-sample vector (read from the half-sample planes);
+    // quarter samples: the four nearest the best half-sample one (interpolated).
+    static const int kSquare[8][2] = {{-2, -2}, {0, -2}, {2, -2}, {-2, 0}, {2, 0}, {-2, 2}, {0, 2}, {2, 2}};
+    static const int kDiamond[4][2] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
+    auto try_around = [&](const int(*steps)[2], int n) {
         const Mv center = best;
-        for (const auto& d : kSquare) {
-            const Mv m = range.clamp(offset(center, step * d[0], step * d[1]));
+        for (int i = 0; i < n; ++i) {
+            const Mv m = range.clamp(offset(center, steps[i][0], steps[i][1]));
             if (m == center) continue;
             const int c = sad(p, m) + mv_cost(m, mvp);
             if (c < best_cost) best_cost = c, best = m;
         }
-    }
+    };
+    try_around(kSquare, 8);
+    try_around(kDiamond, 4);
     *cost = best_cost;
     return best;
 }

@@ -6,6 +6,8 @@
 //    library's interpolation builds once per reference picture, quarter samples interpolated.
 // Costs are SAD + lambda * bits of the vector difference.
 #pragma once
+#include <vector>
+
 #include "macroblock.h"
 #include "picture.h"
 
@@ -20,13 +22,22 @@ struct MvRange {
 MvRange mv_range(int mbx, int mby, int width, int height, int border);
 
 // The reference luma with its three half-sample planes (b, h and j of H.264 8.4.2.2.1: right,
-// below, and right-below of each whole sample), over the area mv_range lets vectors reach.
-struct RefLuma {
-    const Plane* whole = nullptr;
-    Plane half[3];  // index (dy / 2) * 2 + dx / 2 - 1: b, h, j
-    void build(const Plane& luma);
-    // Samples for a vector with whole or half components; nullptr for quarter positions.
-    const uint8_t* at(int x, int y, Mv mv) const;
+// below, and right-below of each whole sample) over the area mv_range lets vectors reach, each
+// interpolated by 16x16 tiles the first time a search reads them.
+class RefLuma {
+public:
+    // Starts over with a new reference picture.
+    void reset(const Plane& luma);
+    const Plane& whole() const { return *whole_; }
+    // The w x h block at (x, y) displaced by a vector with whole or half components; nullptr for
+    // quarter positions.
+    const uint8_t* at(int x, int y, int w, int h, Mv mv);
+
+private:
+    const Plane* whole_ = nullptr;
+    Plane half_[3];                 // index (dy / 2) * 2 + dx / 2 - 1: b, h, j
+    std::vector<uint8_t> done_[3];  // per tile: interpolated
+    int margin_ = 0, tiles_x_ = 0;
 };
 
 struct Partition {
@@ -44,16 +55,17 @@ struct WholeSearch {
 
 class MotionSearch {
 public:
-    MotionSearch(const Plane& src, const RefLuma& ref, int lambda) : src_(src), ref_(ref), lambda_(lambda) {}
+    MotionSearch(const Plane& src, RefLuma& ref, int lambda) : src_(src), ref_(ref), lambda_(lambda) {}
     int sad(const Partition& p, Mv mv) const;
     int mv_cost(Mv mv, Mv mvp) const;
-    WholeSearch search_whole(int mbx, int mby, Mv mvp, const Mv* candidates, int count, const MvRange& range) const;
+    WholeSearch search_whole(int mbx, int mby, Mv mvp, const Mv* candidates, int count,
+                             const MvRange& range) const;
     // Refines a partition's vector around start to quarter samples; *cost receives its cost.
     Mv refine(const Partition& p, Mv start, Mv mvp, const MvRange& range, int* cost) const;
 
 private:
     const Plane& src_;
-    const RefLuma& ref_;
+    RefLuma& ref_;
     int lambda_;
 };
 
