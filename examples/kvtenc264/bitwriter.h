@@ -12,9 +12,12 @@ public:
         if (n == 0) return;
         acc_ = (acc_ << n) | (value & (n == 32 ? 0xffffffffu : (1u << n) - 1));
         pending_ += n;
-        while (pending_ >= 8) {
-            pending_ -= 8;
-            bytes_.push_back(static_cast<uint8_t>(acc_ >> pending_));
+        if (pending_ >= 32) {  // at most 63 bits wait in the accumulator
+            pending_ -= 32;
+            const uint32_t w = static_cast<uint32_t>(acc_ >> pending_);
+            const uint8_t b[4] = {static_cast<uint8_t>(w >> 24), static_cast<uint8_t>(w >> 16),
+                                  static_cast<uint8_t>(w >> 8), static_cast<uint8_t>(w)};
+            bytes_.insert(bytes_.end(), b, b + 4);
         }
     }
     void flag(bool b) { put(b ? 1 : 0, 1); }
@@ -32,9 +35,9 @@ public:
     // rbsp_trailing_bits(): a one, then zeros up to the byte boundary.
     void trailing() {
         put(1, 1);
-        if (pending_) put(0, 8 - pending_);
+        if (pending_ % 8) put(0, 8 - pending_ % 8);
+        for (; pending_ > 0; pending_ -= 8) bytes_.push_back(static_cast<uint8_t>(acc_ >> (pending_ - 8)));
     }
-    int64_t bit_count() const { return static_cast<int64_t>(bytes_.size()) * 8 + pending_; }
     // The finished bytes; call after trailing().
     const std::vector<uint8_t>& bytes() const { return bytes_; }
     void clear() { bytes_.clear(), acc_ = 0, pending_ = 0; }

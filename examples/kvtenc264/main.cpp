@@ -28,7 +28,7 @@ struct Distortion {
             const int w = c ? width / 2 : width, h = c ? height / 2 : height;
             for (int y = 0; y < h; ++y) {
                 const uint8_t *pa = a.plane(c).at(0, y), *pb = b.plane(c).at(0, y);
-                long long s = 0;
+                int s = 0;  // at most 255^2 * 16384
                 for (int x = 0; x < w; ++x) s += (pa[x] - pb[x]) * (pa[x] - pb[x]);
                 sse[c] += static_cast<double>(s);
             }
