@@ -7,16 +7,14 @@
 
 namespace enc264 {
 
-namespace {
-
-// bS of the edge between 4x4 blocks p (in macroblock mp) and q (in mq), H.264 8.7.2.1 for frame
-// macroblocks of a P or I slice with one reference picture.
-int strength(const MbInfo& mp, int p, const MbInfo& mq, int q, bool mb_edge) {
+int boundary_strength(const MbInfo& mp, int p, const MbInfo& mq, int q, bool mb_edge) {
     if (is_intra(mp.type) || is_intra(mq.type)) return mb_edge ? 4 : 3;
     if (mp.nnz[p] || mq.nnz[q]) return 2;
     const Mv a = mp.mv[p], b = mq.mv[q];
     return std::abs(a.x - b.x) >= 4 || std::abs(a.y - b.y) >= 4 ? 1 : 0;
 }
+
+namespace {
 
 struct EdgeParams {
     Kvt8u bs[16] = {};
@@ -61,7 +59,8 @@ void deblock_mb(FrameState& fs, int mbx, int mby) {
                 const int bq = dir == 0 ? edge + 4 * s : s + 4 * edge;
                 const int bp = dir == 0 ? (edge ? bq - 1 : 3 + 4 * s) : (edge ? bq - 4 : s + 12);
                 if (edge == 0 && !has_neighbour) continue;
-                l.bs[4 * edge + s] = static_cast<Kvt8u>(strength(edge ? q : p, bp, q, bq, edge == 0));
+                l.bs[4 * edge + s] =
+                    static_cast<Kvt8u>(boundary_strength(edge ? q : p, bp, q, bq, edge == 0));
             }
         set_thresholds(l, (p.qp + q.qp + 1) >> 1, q.qp);
         set_chroma_thresholds(l, c, (chroma_qp(p.qp) + cq + 1) >> 1, cq);

@@ -31,6 +31,8 @@ cases=(
   "scroll     72x40   6 38 250"
   "fastscroll 160x96  8 28 250"
   "testsrc2   64x48   40 30 17"
+  "edge       64x32   4 0 1"
+  "edge       64x32   4 0 250"
 )
 # Every third QP on noisy moving pictures, IPPP.
 for qp in $(seq 1 3 51); do cases+=("noise 48x48 3 $qp 250"); done
@@ -42,6 +44,8 @@ source_of() {  # content size -> lavfi graph of moving pictures
     noise) echo "testsrc2=size=$2:rate=25,noise=alls=60:allf=t+u" ;;
     random) echo "nullsrc=size=$2:rate=25,geq=lum='random(1)*255':cb='random(2)*255':cr='random(3)*255'" ;;
     scroll) echo "mandelbrot=size=320x240:rate=25,scroll=h=0.013:v=-0.021,crop=${2/x/:}:100:60" ;;
+    # Saturated steps at QP 0: levels beyond CAVLC's range make macroblocks raise their QP.
+    edge) echo "nullsrc=size=$2:rate=25,geq=lum='255*gt(X,20+3*N)':cb='255*gt(X,20+3*N)':cr='255*lte(X,20+3*N)'" ;;
     fastscroll) echo "mandelbrot=size=320x240:rate=25,scroll=h=0.06:v=0.04,crop=${2/x/:}:100:60" ;;
   esac
 }
