@@ -2,7 +2,7 @@
 """Writes tables.cpp, the encoder's H.264 code and constant tables, from the standard's tables in
 TSV form: the CAVLC codes, the deblocking thresholds, the chroma QP mapping and the 4x4 zigzag.
 
-Run once from this folder: python3 gen_tables.py ../../../shared/tables > tables.cpp
+Run once from this folder: python3 gen_tables.py ../../tables > tables.cpp
 """
 import csv
 import os
@@ -11,7 +11,8 @@ import sys
 
 def rows(folder, name):
     with open(os.path.join(folder, name), newline="") as f:
-        return list(csv.DictReader(f, delimiter="\t"))
+        lines = [line for line in f if not line.startswith("#")]  # the title line
+        return list(csv.DictReader(lines, delimiter="\t"))
 
 
 def vlc(code):
@@ -73,4 +74,4 @@ def main(folder):
 
 
 if __name__ == "__main__":
-    main(sys.argv[1] if len(sys.argv) > 1 else "../../../shared/tables")
+    main(sys.argv[1] if len(sys.argv) > 1 else "../../tables")
