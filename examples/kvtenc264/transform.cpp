@@ -45,6 +45,17 @@ void reconstruct(const int16_t* levels, const int16_t* dc, uint8_t* rec, int ste
     kvtiDequantTransformResidualAndAdd_H264_16s_C1I(rec, coeffs, dc, rec, step, step, qp, ac);
 }
 
+// H.264 8.5.10 requires the inverse luma DC transform and its scaling to stay within 16 bits. Each
+// output is at most the sum of the level magnitudes times the scale v(QP % 6, 0) * 2^(QP / 6) / 4;
+// a DC block whose bound passes 32767 (only levels near the CAVLC limit at low QP reach it) is not
+// coded as Intra16x16.
+bool dc_fits_16_bits(const int16_t* levels, int qp) {
+    static const int kV0[6] = {10, 11, 13, 14, 16, 18};
+    long sum = 0;
+    for (int i = 0; i < 16; ++i) sum += std::abs(levels[i]);
+    return sum <= 32767 && (sum * kV0[qp % 6] << (qp / 6)) / 4 + 1 <= 32767;
+}
+
 uint8_t* block_at(uint8_t* p, int step, int r, int size) {
     return p + (r / size) * 4 * step + (r % size) * 4;
 }
@@ -68,6 +79,7 @@ bool code_luma16x16(const Block& b, int qp, MbCode& code, MbInfo& info) {
     if (kvtiTransformQuantLumaDC_H264_16s_C1I(code.luma_dc, transformed, qp, &count, 1, scan_positions(),
                                               &last) != kvtStsOk)
         return false;
+    if (!dc_fits_16_bits(code.luma_dc, qp)) return false;
     code.cbp_luma = 0;
     for (int r = 0; r < 16; ++r) {
         int16_t* levels = code.luma[r];

@@ -19,7 +19,8 @@ struct Block {
 
 // One 4x4 luma block of an Intra4x4 macroblock: levels[16] and TotalCoeff (*nnz).
 bool code_luma4x4(const Block& b, int qp, int16_t* levels, uint8_t* nnz);
-// The luma of an Intra16x16 macroblock: DC levels, AC levels, cbp_luma and the AC counts.
+// The luma of an Intra16x16 macroblock: DC levels, AC levels, cbp_luma and the AC counts; also
+// false when the decoder's DC transform could leave 16 bits.
 bool code_luma16x16(const Block& b, int qp, MbCode& code, MbInfo& info);
 // The luma of an inter macroblock: sixteen 4x4 blocks and cbp_luma.
 bool code_luma_inter(const Block& b, int qp, MbCode& code, MbInfo& info);
