@@ -10,9 +10,6 @@ namespace enc264 {
 
 namespace {
 
-// Quarters of the 16x16 block summed by each partition of WholeSearch::part_mv.
-constexpr int kPartQuarters[8] = {0b0011, 0b1100, 0b0101, 0b1010, 0b0001, 0b0010, 0b0100, 0b1000};
-
 Mv offset(Mv m, int dx, int dy) { return Mv{static_cast<int16_t>(m.x + dx), static_cast<int16_t>(m.y + dy)}; }
 
 // Nearest whole-sample vector.
@@ -111,12 +108,9 @@ WholeSearch MotionSearch::search_whole(int mbx, int mby, Mv mvp, const Mv* candi
         kvtiSAD16x16Blocks8x8_8u16u(cur, src_.stride(), g.at(16 * mbx + m.x / 4, 16 * mby + m.y / 4),
                                     g.stride(), q);
         const int bits = mv_cost(m, mvp);
-        for (int k = 0; k < 8; ++k) {
-            int c = bits;
-            for (int i = 0; i < 4; ++i)
-                if (kPartQuarters[k] >> i & 1) c += q[i];
-            if (c < r.part_cost[k]) r.part_cost[k] = c, r.part_mv[k] = m;
-        }
+        const int sads[8] = {q[0] + q[1], q[2] + q[3], q[0] + q[2], q[1] + q[3], q[0], q[1], q[2], q[3]};
+        for (int k = 0; k < 8; ++k)
+            if (sads[k] + bits < r.part_cost[k]) r.part_cost[k] = sads[k] + bits, r.part_mv[k] = m;
         const int c16 = q[0] + q[1] + q[2] + q[3] + bits;
         if (c16 >= r.cost16) return false;
         r.cost16 = c16, r.mv16 = m;
