@@ -26,7 +26,6 @@ namespace {
 
 using namespace kvt;
 
-
 inline uint8_t* row(uint8_t* p, int step, int y) { return p + intptr_t(y) * step; }
 inline uint32_t load32(const uint8_t* p) {
     uint32_t v;
@@ -158,10 +157,12 @@ inline KvtStatus dc_chroma(uint8_t* p, int step, unsigned avail) {
         q[0] = q[2] = mean4(su0), q[1] = q[3] = mean4(su1);
     else if (left)
         q[0] = q[1] = mean4(sl0), q[2] = q[3] = mean4(sl1);
-    const __m128i top = _mm_unpacklo_epi32(_mm_set1_epi8(char(q[0])), _mm_set1_epi8(char(q[1])));
-    const __m128i bottom = _mm_unpacklo_epi32(_mm_set1_epi8(char(q[2])), _mm_set1_epi8(char(q[3])));
-    fill<8>(p, step, top, 4);
-    fill<8>(row(p, step, 4), step, bottom, 4);
+    // The four values in one word, then each widened to four bytes: q0 q0 q0 q0 q1 .. q3.
+    __m128i v = _mm_cvtsi32_si128(q[0] | q[1] << 8 | q[2] << 16 | q[3] << 24);
+    v = _mm_unpacklo_epi8(v, v);
+    v = _mm_unpacklo_epi16(v, v);
+    fill<8>(p, step, v, 4);
+    fill<8>(row(p, step, 4), step, _mm_unpackhi_epi64(v, v), 4);
     return kvtStsOk;
 }
 
@@ -221,7 +222,6 @@ inline void fill_intra_basic(IntraPredDsp& d) {
 }
 
 #if defined(__SSSE3__)
-
 
 inline void store32(uint8_t* p, __m128i v) {
     const int w = _mm_cvtsi128_si32(v);

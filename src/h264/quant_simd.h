@@ -31,8 +31,10 @@ KvtStatus report(__m128i ma, __m128i mb, int8_t* count, const int16_t* scan, uin
     const __m128i limit = _mm_set1_epi16(2063);
     if (_mm_movemask_epi8(_mm_or_si128(_mm_cmpgt_epi16(ma, limit), _mm_cmpgt_epi16(mb, limit))))
         return kvtStsLevelOverflow;
-    const __m128i za = _mm_cmpeq_epi16(ma, _mm_setzero_si128()), zb = _mm_cmpeq_epi16(mb, _mm_setzero_si128());
-    const __m128i zeros = _mm_sad_epu8(_mm_and_si128(_mm_packs_epi16(za, zb), _mm_set1_epi8(1)), _mm_setzero_si128());
+    const __m128i za = _mm_cmpeq_epi16(ma, _mm_setzero_si128()),
+                  zb = _mm_cmpeq_epi16(mb, _mm_setzero_si128());
+    const __m128i zeros =
+        _mm_sad_epu8(_mm_and_si128(_mm_packs_epi16(za, zb), _mm_set1_epi8(1)), _mm_setzero_si128());
     const int nonzero = 16 - _mm_cvtsi128_si32(_mm_add_epi32(zeros, _mm_unpackhi_epi64(zeros, zeros)));
     *count = int8_t(_mm_cvtsi128_si32(za) & 1 ? nonzero : -nonzero);
     __m128i m = _mm_max_epi16(_mm_andnot_si128(za, load16(scan)), _mm_andnot_si128(zb, load16(scan + 8)));
@@ -78,7 +80,9 @@ void hadamard_halved(const int16_t* c, int16_t* t) {
         r2 = _mm_unpacklo_epi64(t2, t3), r3 = _mm_unpackhi_epi64(t2, t3);
     };
     pass(), transpose32(), pass(), transpose32();
-    const auto narrow = [](__m128i x) { return _mm_srai_epi32(_mm_slli_epi32(_mm_srai_epi32(x, 1), 16), 16); };
+    const auto narrow = [](__m128i x) {
+        return _mm_srai_epi32(_mm_slli_epi32(_mm_srai_epi32(x, 1), 16), 16);
+    };
     store16(t, _mm_packs_epi32(narrow(r0), narrow(r1)));
     store16(t + 8, _mm_packs_epi32(narrow(r2), narrow(r3)));
 }

@@ -19,7 +19,9 @@
 
 namespace kvt::h264x4 {
 
-static inline __m128i load16(const int16_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+static inline __m128i load16(const int16_t* p) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
 static inline void store16(int16_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 static inline __m128i load4(const uint8_t* p) {
     int v;
@@ -38,11 +40,13 @@ static inline __m128i widen_rows(const uint8_t* first, const uint8_t* second) {
 // The four 4-byte rows of v to d0..d3 (on x86-64 through two general registers: fewer shuffles).
 static inline void store_rows(uint8_t* d0, uint8_t* d1, uint8_t* d2, uint8_t* d3, __m128i v) {
 #if defined(__x86_64__)
-    const uint64_t lo = uint64_t(_mm_cvtsi128_si64(v)), hi = uint64_t(_mm_cvtsi128_si64(_mm_unpackhi_epi64(v, v)));
+    const uint64_t lo = uint64_t(_mm_cvtsi128_si64(v)),
+                   hi = uint64_t(_mm_cvtsi128_si64(_mm_unpackhi_epi64(v, v)));
     const uint32_t w[4] = {uint32_t(lo), uint32_t(lo >> 32), uint32_t(hi), uint32_t(hi >> 32)};
     std::memcpy(d0, w, 4), std::memcpy(d1, w + 1, 4), std::memcpy(d2, w + 2, 4), std::memcpy(d3, w + 3, 4);
 #else
-    store4(d0, v), store4(d1, _mm_srli_si128(v, 4)), store4(d2, _mm_srli_si128(v, 8)), store4(d3, _mm_srli_si128(v, 12));
+    store4(d0, v), store4(d1, _mm_srli_si128(v, 4)), store4(d2, _mm_srli_si128(v, 8)),
+        store4(d3, _mm_srli_si128(v, 12));
 #endif
 }
 
@@ -76,7 +80,7 @@ static inline void inverse_core(__m128i& a, __m128i& b) {
 
 // Forward core transform between the halves: [p0|p1], [p2|p3] to [o0|o1], [o2|o3].
 static inline void forward_core(__m128i& a, __m128i& b) {
-    const __m128i sw = swap_halves(b);                                  // [p3|p2]
+    const __m128i sw = swap_halves(b);                                   // [p3|p2]
     const __m128i st = _mm_add_epi16(a, sw), uw = _mm_sub_epi16(a, sw);  // [p0+p3 | p1+p2], [p0-p3 | p1-p2]
     const __m128i su = _mm_unpacklo_epi64(st, uw), tw = _mm_unpackhi_epi64(st, uw);
     a = _mm_add_epi16(blend_halves(su, _mm_add_epi16(su, su)), tw);  // [s + t | 2u + w]

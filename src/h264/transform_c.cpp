@@ -71,8 +71,8 @@ KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int16_t* fa
     return kvtStsOk;
 }
 
-KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred, int pred_step,
-                       uint8_t* dst, int dst_step) {
+KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
+                       int pred_step, uint8_t* dst, int dst_step) {
     dequant_transform(c, dc, factors);
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)

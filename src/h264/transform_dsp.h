@@ -16,8 +16,8 @@ using ResidualFn = KvtStatus (*)(int16_t* c, int step, const int16_t* dc, const 
 // Residual added to pred into dst; the block receives the residual. The DC-only kernel only reads
 // the block, and c may be null (then dc is not). The destination step comes last: it is needed
 // last (on x86-64 the seventh argument is passed on the stack).
-using ResidualAddFn = KvtStatus (*)(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
-                                    int pred_step, uint8_t* dst, int dst_step);
+using ResidualAddFn = KvtStatus (*)(int16_t* c, const int16_t* dc, const int16_t* factors,
+                                    const uint8_t* pred, int pred_step, uint8_t* dst, int dst_step);
 
 struct TransformDsp {
     KvtStatus (*luma_dc)(int16_t* c, int qp);    // 16 Intra16x16 DC levels

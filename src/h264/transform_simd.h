@@ -13,7 +13,9 @@ namespace {
 
 using namespace kvt::h264x4;
 
-const uint8_t* at(const void* p, int step, int y) { return static_cast<const uint8_t*>(p) + intptr_t(y) * step; }
+const uint8_t* at(const void* p, int step, int y) {
+    return static_cast<const uint8_t*>(p) + intptr_t(y) * step;
+}
 uint8_t* at(void* p, int step, int y) { return static_cast<uint8_t*>(p) + intptr_t(y) * step; }
 
 // Dequantizes rows 0|1 in a and 2|3 in b (the DC as the caller's value when dc is given), inverse-
@@ -32,7 +34,9 @@ void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const int16_t*
 
 KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
     const auto row = [&](int y) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at(c, step, y))); };
-    const auto put = [&](int y, __m128i v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(at(c, step, y)), v); };
+    const auto put = [&](int y, __m128i v) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(at(c, step, y)), v);
+    };
     __m128i a = _mm_unpacklo_epi64(row(0), row(1)), b = _mm_unpacklo_epi64(row(2), row(3));
     dequant_transform(a, b, dc, factors);
     put(0, a), put(1, _mm_unpackhi_epi64(a, a)), put(3, b), put(2, _mm_unpackhi_epi64(b, b));
@@ -51,8 +55,8 @@ KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int16_t* fa
     return kvtStsOk;
 }
 
-KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred, int pred_step,
-                       uint8_t* dst, int dst_step) {
+KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
+                       int pred_step, uint8_t* dst, int dst_step) {
     __m128i a = load16(c), b = load16(c + 8);
     dequant_transform(a, b, dc, factors);
     store16(c, a), store16(c + 8, swap_halves(b));
@@ -68,7 +72,8 @@ KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, co
 KvtStatus residual_dc_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
                           int pred_step, uint8_t* dst, int dst_step) {
     const __m128i r = _mm_shufflelo_epi16(_mm_cvtsi32_si128(dc_residual(c, dc, factors)), 0);
-    const __m128i up = _mm_packus_epi16(r, r), down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
+    const __m128i up = _mm_packus_epi16(r, r),
+                  down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
     for (int y = 0; y < 4; ++y)
         store4(at(dst, dst_step, y), _mm_subs_epu8(_mm_adds_epu8(load4(at(pred, pred_step, y)), up), down));
     return kvtStsOk;

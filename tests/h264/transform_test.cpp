@@ -454,8 +454,8 @@ TEST(H264Transform, EveryTierMatchesOracle) {
                     std::copy(b.begin(), b.end(), c.data());
                     const bool no_block = dc_only && dcp && rng.coin();
                     const ResidualAddFn add = dc_only ? d.residual_dc_add : d.residual_add;
-                    out.add(what + " add", add(no_block ? nullptr : c.data(), dcp, factors, pred.data(), pred.step(),
-                                               dst.data(), dst.step()));
+                    out.add(what + " add", add(no_block ? nullptr : c.data(), dcp, factors, pred.data(),
+                                               pred.step(), dst.data(), dst.step()));
                     out.add_buffer(what + " add", dst), out.add_buffer(what + " add block", c);
                 }
                 Kvt8u px[16];
