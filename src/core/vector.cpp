@@ -39,11 +39,11 @@ KvtStatus kvtsMulC_16s_ISfs(Kvt16s val, Kvt16s* pSrcDst, int len, int scaleFacto
     return dsp.mulc_16s_sfs(val, pSrcDst, len, scaleFactor);
 }
 
-// Relation 4 is "greater than"; every other value means "less than".
+// kvtCmpGreater clips from above; every other relation means kvtCmpLess.
 KvtStatus kvtsThreshold_16s_I(Kvt16s* pSrcDst, int len, Kvt16s level, int relOp) {
     if (!pSrcDst) return kvtStsNullPointer;
     if (len < 1) return kvtStsBadSize;
-    if (relOp == 4) return dsp.threshold_gt_16s(pSrcDst, len, level);
+    if (relOp == kvtCmpGreater) return dsp.threshold_gt_16s(pSrcDst, len, level);
     return dsp.threshold_lt_16s(pSrcDst, len, level);
 }
 
