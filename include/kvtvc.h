@@ -475,8 +475,8 @@ KVTAPI KvtStatus kvtiTransformDequantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, int 
 KVTAPI KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstStep, const Kvt16s* pDC,
                                                            int AC, int QP);
 /* As kvtiDequantTransformResidual_H264_16s_C1I on 16 contiguous values, then pDst = clamp(pPred +
- * residual); pSrcDst receives the residual. DC-only path (AC == 0 or pSrcDst NULL): the residual
- * (c0 + 32) >> 6 is limited to -256..256, and pSrcDst and pDC must not both be NULL (-8). */
+ * residual); pSrcDst receives the residual. DC-only path (AC == 0 or pSrcDst NULL): pSrcDst is only
+ * read, the residual (c0 + 32) >> 6 is limited to -256..256; pSrcDst and pDC not both NULL (-8). */
 KVTAPI KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst,
                                                                  const Kvt16s* pDC, Kvt8u* pDst, int predStep,
                                                                  int dstStep, int QP, int AC);

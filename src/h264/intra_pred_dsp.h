@@ -38,6 +38,9 @@ void init_intra_pred(IntraPredDsp& d);
 namespace ssse3 {
 void init_intra_pred(IntraPredDsp& d);
 }
+namespace avx2 {
+void init_intra_pred(IntraPredDsp& d);
+}
 
 void init_intra_pred_dsp(IntraPredDsp& d, unsigned cpu_flags);
 

@@ -10,13 +10,17 @@ namespace {
 
 using namespace h264;
 
+// The transformed values are kept in f, so that t is only written.
 KvtStatus chroma_dc(int16_t* c, int16_t* t, int qp, int8_t* count, bool intra, bool transform) {
+    int16_t f[4] = {c[0], c[1], c[2], c[3]};
     if (transform) {
-        for (int i = 0; i < 4; ++i) t[i] = c[i];
-        hadamard2x2(t);
+        hadamard2x2(f);
+        for (int i = 0; i < 4; ++i) t[i] = f[i];
+    } else {
+        for (int i = 0; i < 4; ++i) f[i] = t[i];
     }
     const int q = qp / 6, mf = FwdQuantTable[qp % 6][0], round = dc_rounds[intra][q];
-    for (int i = 0; i < 4; ++i) c[i] = quantize(t[i], mf, round, 16 + q);
+    for (int i = 0; i < 4; ++i) c[i] = quantize(f[i], mf, round, 16 + q);
     return report_levels(c, 4, count, nullptr, nullptr);
 }
 

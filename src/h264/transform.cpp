@@ -1,6 +1,7 @@
 // Fronts of the H.264 decoder-side transforms: argument checks in the documented order, then one
 // kernel (the residual functions pick the DC-only kernel when there are no AC levels).
 #include "common/kernel.h"
+#include "h264/tables.h"
 #include "h264/transform_dsp.h"
 #include "kvtvc.h"
 
@@ -10,6 +11,7 @@ namespace {
 KVT_DSP_TABLE(TransformDsp, init_transform_dsp) dsp;
 
 bool bad_qp(int qp) { return unsigned(qp) > 51; }
+const int16_t* factors(int qp) { return h264::InvQuantCoef[size_t(qp)].data(); }
 }  // namespace
 
 KvtStatus kvtiTransformDequantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP) {
@@ -30,8 +32,8 @@ KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstS
     if (!pSrcDst) return kvtStsNullPointer;
     if (bad_qp(QP)) return kvtStsOutOfRange;
     if (srcDstStep < 8) return kvtStsBadStep;
-    if (!AC) return dsp.residual_dc(pSrcDst, srcDstStep, pDC, QP);
-    return dsp.residual(pSrcDst, srcDstStep, pDC, QP);
+    if (!AC) return dsp.residual_dc(pSrcDst, srcDstStep, pDC, factors(QP));
+    return dsp.residual(pSrcDst, srcDstStep, pDC, factors(QP));
 }
 
 KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst,
@@ -39,9 +41,9 @@ KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kv
                                                           int dstStep, int QP, int AC) {
     if (!pPred || !pDst) return kvtStsNullPointer;
     if (bad_qp(QP)) return kvtStsOutOfRange;
-    if (AC && pSrcDst) return dsp.residual_add(pPred, predStep, pSrcDst, pDC, pDst, dstStep, QP);
+    if (AC && pSrcDst) return dsp.residual_add(pSrcDst, pDC, factors(QP), pPred, predStep, pDst, dstStep);
     if (!pSrcDst && !pDC) return kvtStsNullPointer;
-    return dsp.residual_dc_add(pPred, predStep, pSrcDst, pDC, pDst, dstStep, QP);
+    return dsp.residual_dc_add(pSrcDst, pDC, factors(QP), pPred, predStep, pDst, dstStep);
 }
 
 KvtStatus kvtiTransformPrediction_H264_8u16s_C1(const Kvt8u* pSrc, int srcStep, Kvt16s* pDst) {

@@ -43,49 +43,48 @@ KvtStatus chroma_dc(int16_t* c, int qp) {
     return kvtStsOk;
 }
 
-int16_t dc_coefficient(const int16_t* c, const int16_t* dc, int qp) {
-    return dc ? *dc : int16_t(c[0] * InvQuantTable[qp][0]);
+int16_t dc_coefficient(const int16_t* c, const int16_t* dc, const int16_t* factors) {
+    return dc ? *dc : int16_t(c[0] * factors[0]);
 }
 
 // Dequantizes the levels of b (DC as dc_coefficient) and inverse-transforms it to the residual.
-void dequant_transform(int16_t* b, const int16_t* dc, int qp) {
-    b[0] = dc_coefficient(b, dc, qp);
-    for (int i = 1; i < 16; ++i) b[i] = int16_t(b[i] * InvQuantTable[qp][QuantIndex[i]]);
+void dequant_transform(int16_t* b, const int16_t* dc, const int16_t* factors) {
+    b[0] = dc_coefficient(b, dc, factors);
+    for (int i = 1; i < 16; ++i) b[i] = int16_t(b[i] * factors[i]);
     rows_then_columns(b, inverse_core);
     for (int i = 0; i < 16; ++i) b[i] = round6(b[i]);
 }
 
-KvtStatus residual(int16_t* c, int step, const int16_t* dc, int qp) {
+KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
     int16_t b[16];
     load_rows(b, c, step);
-    dequant_transform(b, dc, qp);
+    dequant_transform(b, dc, factors);
     store_rows(c, step, b);
     return kvtStsOk;
 }
 
-KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, int qp) {
+KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
     int16_t b[16];
-    const int16_t r = round6(dc_coefficient(c, dc, qp));
+    const int16_t r = round6(dc_coefficient(c, dc, factors));
     for (int16_t& v : b) v = r;
     store_rows(c, step, b);
     return kvtStsOk;
 }
 
-KvtStatus residual_add(const uint8_t* pred, int pred_step, int16_t* c, const int16_t* dc, uint8_t* dst,
-                       int dst_step, int qp) {
-    dequant_transform(c, dc, qp);
+KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
+                       int pred_step, uint8_t* dst, int dst_step) {
+    dequant_transform(c, dc, factors);
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)
             dst[intptr_t(y) * dst_step + x] = clip_u8(pred[intptr_t(y) * pred_step + x] + c[4 * y + x]);
     return kvtStsOk;
 }
 
-// The residual is limited to -256..256 so that prediction + residual stays inside ClampTbl.
-KvtStatus residual_dc_add(const uint8_t* pred, int pred_step, int16_t* c, const int16_t* dc, uint8_t* dst,
-                          int dst_step, int qp) {
-    const int16_t r = round6(dc_coefficient(c, dc, qp));
-    if (c)
-        for (int i = 0; i < 16; ++i) c[i] = r;
+// The residual is limited to -256..256 so that prediction + residual stays inside ClampTbl; the
+// block is only read.
+KvtStatus residual_dc_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
+                          int pred_step, uint8_t* dst, int dst_step) {
+    const int16_t r = round6(dc_coefficient(c, dc, factors));
     const int limited = r < -256 ? -256 : r > 256 ? 256 : r;
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)

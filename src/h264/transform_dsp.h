@@ -10,12 +10,14 @@
 
 namespace kvt {
 
-// Residual kernels: dc is the caller's already scaled DC coefficient, or null to scale c[0].
-using ResidualFn = KvtStatus (*)(int16_t* c, int step, const int16_t* dc, int qp);
-// Residual added to pred into dst; the block receives the residual. In the DC-only kernel c may
-// be null (then dc is not).
-using ResidualAddFn = KvtStatus (*)(const uint8_t* pred, int pred_step, int16_t* c, const int16_t* dc,
-                                    uint8_t* dst, int dst_step, int qp);
+// Residual kernels: dc is the caller's already scaled DC coefficient, or null to scale c[0];
+// factors are the 16 dequantization factors of the block's QP (h264::InvQuantCoef[qp]).
+using ResidualFn = KvtStatus (*)(int16_t* c, int step, const int16_t* dc, const int16_t* factors);
+// Residual added to pred into dst; the block receives the residual. The DC-only kernel only reads
+// the block, and c may be null (then dc is not). The destination step comes last: it is needed
+// last (on x86-64 the seventh argument is passed on the stack).
+using ResidualAddFn = KvtStatus (*)(int16_t* c, const int16_t* dc, const int16_t* factors,
+                                    const uint8_t* pred, int pred_step, uint8_t* dst, int dst_step);
 
 struct TransformDsp {
     KvtStatus (*luma_dc)(int16_t* c, int qp);    // 16 Intra16x16 DC levels
@@ -38,6 +40,9 @@ namespace ref {
 void init_transform(TransformDsp& d);
 }
 namespace sse2 {
+void init_transform(TransformDsp& d);
+}
+namespace ssse3 {
 void init_transform(TransformDsp& d);
 }
 
