@@ -265,32 +265,41 @@ inline KvtStatus by_pairs(uint8_t* dst, intptr_t ds, int height, Make make) {
     return kvtStsOk;
 }
 
-// Six-row windows of a column of rows, moved two rows at a time: w[0..6] are rows y - 2 .. y + 4.
+// Six-row windows of a column of rows, moved two rows at a time: r0..r6 are rows y - 2 .. y + 4
+// (named members, not an array, so that the compiler keeps them in registers).
 template <int W, class Load>
 struct Window {
     Load load;  // load(row) -> Row<W>
-    Row<W> w[7];
-    explicit Window(Load l) : load(l) {
-        for (int i = 0; i < 5; ++i) w[i] = load(i - 2);
-    }
-    // Rows y + 3 and y + 4 come in; then w[0..5] serve row y, w[1..6] row y + 1.
-    void fill(int y) { w[5] = load(y + 3), w[6] = load(y + 4); }
-    void advance() {
-        for (int i = 0; i < 5; ++i) w[i] = w[i + 2];
-    }
+    Row<W> r0, r1, r2, r3, r4, r5, r6;
+    explicit Window(Load l) : load(l), r0(l(-2)), r1(l(-1)), r2(l(0)), r3(l(1)), r4(l(2)) {}
+    // Rows y + 3 and y + 4 come in; then r0..r5 serve row y, r1..r6 row y + 1.
+    void fill(int y) { r5 = load(y + 3), r6 = load(y + 4); }
+    void advance() { r0 = r2, r1 = r3, r2 = r4, r3 = r5, r4 = r6; }
     template <class F>
-    Row<W> at(int first, F f) const {
-        return f(w[first], w[first + 1], w[first + 2], w[first + 3], w[first + 4], w[first + 5]);
-    }
+    Row<W> upper(F f) const { return f(r0, r1, r2, r3, r4, r5); }
+    template <class F>
+    Row<W> lower(F f) const { return f(r1, r2, r3, r4, r5, r6); }
+    // Row y (k = 0) or y + 1 (k = 1), and the one after it.
+    const Row<W>& row(int k) const { return k ? r3 : r2; }
+    const Row<W>& next(int k) const { return k ? r4 : r3; }
 };
 template <int W, class Load>
 Window<W, Load> window(Load l) {
     return Window<W, Load>(l);
 }
 
+// Whole rows, four at a time (every height is a multiple of 4).
 template <int W>
 KvtStatus copy(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int height) {
-    return by_pairs<W>(dst, ds, height, [&](int y) { return load_pair<W>(src + intptr_t(y) * ss, ss); });
+    const auto row = [&](int y) {
+        const uint8_t* p = src + intptr_t(y) * ss;
+        uint8_t* q = dst + intptr_t(y) * ds;
+        if constexpr (W == 4) store4(q, load4(p));
+        if constexpr (W == 8) store8(q, load8(p));
+        if constexpr (W == 16) store16(q, load16(p));
+    };
+    for (int y = 0; y < height; y += 4) row(y), row(y + 1), row(y + 2), row(y + 3);
+    return kvtStsOk;
 }
 
 // b, and b averaged with the integer sample on its left (dx 1) or right (dx 3).
@@ -309,8 +318,8 @@ KvtStatus vertical(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int
     auto rows = window<W>([=](int y) { return load_row<W>(src + intptr_t(y) * ss); });
     return by_pairs<W>(dst, ds, height, [&](int y) {
         rows.fill(y);
-        const Pair<W> h = pack(rounded<5>(rows.at(0, six_tap<W>)), rounded<5>(rows.at(1, six_tap<W>)));
-        const Pair<W> g = pack(rows.w[2 + dy / 2], rows.w[3 + dy / 2]);
+        const Pair<W> h = pack(rounded<5>(rows.upper(six_tap<W>)), rounded<5>(rows.lower(six_tap<W>)));
+        const Pair<W> g = pack(rows.row(dy / 2), rows.next(dy / 2));
         rows.advance();
         return dy == 2 ? h : avg(h, g);
     });
@@ -323,7 +332,7 @@ KvtStatus diagonal(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int
     return by_pairs<W>(dst, ds, height, [&](int y) {
         const uint8_t* p = src + intptr_t(y + dy / 2) * ss;
         rows.fill(y);
-        const Pair<W> h = pack(rounded<5>(rows.at(0, six_tap<W>)), rounded<5>(rows.at(1, six_tap<W>)));
+        const Pair<W> h = pack(rounded<5>(rows.upper(six_tap<W>)), rounded<5>(rows.lower(six_tap<W>)));
         rows.advance();
         return avg(pack(rounded<5>(hsum<W>(p)), rounded<5>(hsum<W>(p + ss))), h);
     });
@@ -336,8 +345,8 @@ KvtStatus centre_column(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds
     auto sums = window<W>([=](int y) { return hsum<W>(src + intptr_t(y) * ss); });
     return by_pairs<W>(dst, ds, height, [&](int y) {
         sums.fill(y);
-        const Pair<W> j = pack(sums.at(0, centre<W>), sums.at(1, centre<W>));
-        const Pair<W> b = pack(rounded<5>(sums.w[2 + dy / 2]), rounded<5>(sums.w[3 + dy / 2]));
+        const Pair<W> j = pack(sums.upper(centre<W>), sums.lower(centre<W>));
+        const Pair<W> b = pack(rounded<5>(sums.row(dy / 2)), rounded<5>(sums.next(dy / 2)));
         sums.advance();
         return dy == 2 ? j : avg(j, b);
     });
