@@ -278,8 +278,8 @@ KVT_INLINE void luma_edges(uint8_t* p, intptr_t step, const uint8_t* alpha, cons
     put(14, l.p1);
 }
 
-KvtStatus luma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta, const uint8_t* tc0,
-                   const uint8_t* bs) {
+[[maybe_unused]] KvtStatus luma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
+                                    const uint8_t* tc0, const uint8_t* bs) {
     luma_edges(p, step, alpha, beta, tc0, bs);
     return kvtStsOk;
 }
@@ -316,8 +316,8 @@ KVT_INLINE void transpose16(__m128i (&r)[16]) {
 
 // Vertical edges: columns -4..15 transposed into rows of a buffer, filtered as horizontal edges,
 // and columns -4..15 written back (column -4 unchanged).
-KvtStatus luma_ver(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta, const uint8_t* tc0,
-                   const uint8_t* bs) {
+[[maybe_unused]] KvtStatus luma_ver(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
+                                    const uint8_t* tc0, const uint8_t* bs) {
     alignas(16) uint8_t cols[20][16];
     __m128i r[16];
     for (int y = 0; y < 16; ++y) r[y] = load16(p + y * intptr_t(step));
@@ -351,8 +351,8 @@ KVT_INLINE void chroma_edges(__m128i (&rows)[4], const uint8_t* alpha, const uin
     rows[2] = s[2].bytes();
 }
 
-KvtStatus chroma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta, const uint8_t* tc0,
-                     const uint8_t* bs) {
+[[maybe_unused]] KvtStatus chroma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
+                                      const uint8_t* tc0, const uint8_t* bs) {
     __m128i rows[4];
     for (int i = 0; i < 4; ++i)
         rows[i] =
@@ -366,8 +366,8 @@ KvtStatus chroma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8
 }
 
 // Columns -2..5 of the 8 rows: lines of edge 0 are columns -2..1, of edge 4 columns 2..5.
-KvtStatus chroma_ver(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta, const uint8_t* tc0,
-                     const uint8_t* bs) {
+[[maybe_unused]] KvtStatus chroma_ver(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
+                                      const uint8_t* tc0, const uint8_t* bs) {
     __m128i r[16];
     for (int y = 0; y < 8; ++y) r[y] = load8(p - 2 + y * intptr_t(step)), r[y + 8] = _mm_setzero_si128();
     transpose16(r);  // r[c] = column c - 2 in bytes 0..7
