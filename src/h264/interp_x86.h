@@ -276,9 +276,13 @@ struct Window {
     void fill(int y) { r5 = load(y + 3), r6 = load(y + 4); }
     void advance() { r0 = r2, r1 = r3, r2 = r4, r3 = r5, r4 = r6; }
     template <class F>
-    Row<W> upper(F f) const { return f(r0, r1, r2, r3, r4, r5); }
+    Row<W> upper(F f) const {
+        return f(r0, r1, r2, r3, r4, r5);
+    }
     template <class F>
-    Row<W> lower(F f) const { return f(r1, r2, r3, r4, r5, r6); }
+    Row<W> lower(F f) const {
+        return f(r1, r2, r3, r4, r5, r6);
+    }
     // Row y (k = 0) or y + 1 (k = 1), and the one after it.
     const Row<W>& row(int k) const { return k ? r3 : r2; }
     const Row<W>& next(int k) const { return k ? r4 : r3; }
@@ -380,6 +384,26 @@ KvtStatus centre_row(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, i
 
 // ---- Chroma ---------------------------------------------------------------------------------------
 
+#if defined(__SSSE3__)
+// Byte pairs of chroma weights for the sample pairs (p[x], p[x+1]) of the row above (ab) and the
+// row below (cd), for the 64 positions dy * 8 + dx: loaded, not computed, per call.
+struct alignas(16) ChromaWeights {
+    int8_t ab[16], cd[16];
+};
+struct ChromaWeightTable {
+    ChromaWeights w[64];
+    constexpr ChromaWeightTable() : w() {
+        for (int pos = 0; pos < 64; ++pos)
+            for (int i = 0; i < 16; i += 2) {
+                const int dx = pos % 8, dy = pos / 8;
+                w[pos].ab[i] = int8_t((8 - dx) * (8 - dy)), w[pos].ab[i + 1] = int8_t(dx * (8 - dy));
+                w[pos].cd[i] = int8_t((8 - dx) * dy), w[pos].cd[i + 1] = int8_t(dx * dy);
+            }
+    }
+};
+constexpr ChromaWeightTable kChromaWeights{};
+#endif
+
 // One source row's part in the bilinear blend, for W = 4 or 8 outputs (16-bit lanes): with the
 // row below it (weights a, b) and with the row above it (c, d).
 struct Bilinear {
@@ -387,10 +411,10 @@ struct Bilinear {
         __m128i upper, lower;
     };
 #if defined(__SSSE3__)
-    __m128i ab, cd;  // byte pairs of weights for the pairs (p[x], p[x+1])
+    __m128i ab, cd;
     Bilinear(int dx, int dy)
-        : ab(_mm_set1_epi16(int16_t((dx * (8 - dy)) << 8 | (8 - dx) * (8 - dy)))),
-          cd(_mm_set1_epi16(int16_t((dx * dy) << 8 | (8 - dx) * dy))) {}
+        : ab(_mm_load_si128(reinterpret_cast<const __m128i*>(kChromaWeights.w[dy * 8 + dx].ab))),
+          cd(_mm_load_si128(reinterpret_cast<const __m128i*>(kChromaWeights.w[dy * 8 + dx].cd))) {}
     template <int W>
     Terms terms(const uint8_t* p) const {
         const __m128i pairs =
