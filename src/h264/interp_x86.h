@@ -292,17 +292,23 @@ Window<W, Load> window(Load l) {
     return Window<W, Load>(l);
 }
 
-// Whole rows, four at a time (every height is a multiple of 4).
-template <int W>
-KvtStatus copy(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int height) {
-    const auto row = [&](int y) {
-        const uint8_t* p = src + intptr_t(y) * ss;
-        uint8_t* q = dst + intptr_t(y) * ds;
-        if constexpr (W == 4) store4(q, load4(p));
-        if constexpr (W == 8) store8(q, load8(p));
-        if constexpr (W == 16) store16(q, load16(p));
-    };
-    for (int y = 0; y < height; y += 4) row(y), row(y + 1), row(y + 2), row(y + 3);
+// Whole rows, a kernel per height. 16-byte rows: four loads ahead of their stores, in a loop
+// whose rows are addressed from two pointers (unrolled, the compiler steps one pointer row by row,
+// a chain of additions through the whole copy). Narrower rows: unrolled through general registers.
+template <int W, int H>
+KvtStatus copy(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int) {
+    const intptr_t s = ss, d = ds;
+    if constexpr (W == 16) {
+#pragma GCC unroll 1
+        for (int y = 0; y < H; y += 4, src += 4 * s, dst += 4 * d) {
+            const uint8_t* src2 = src + 2 * s;
+            uint8_t* dst2 = dst + 2 * d;
+            const __m128i a = load16(src), b = load16(src + s), c = load16(src2), e = load16(src2 + s);
+            store16(dst, a), store16(dst + d, b), store16(dst2, c), store16(dst2 + d, e);
+        }
+    } else {
+        for (int y = 0; y < H; ++y) std::memcpy(dst + y * d, src + y * s, W);
+    }
     return kvtStsOk;
 }
 
@@ -455,8 +461,8 @@ KvtStatus chroma(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int d
 
 // The sixteen positions of one width, position dx * 4 + dy.
 template <int W>
-void fill_luma(LumaInterpFn (&slots)[16]) {
-    slots[0] = copy<W>;
+void fill_luma(LumaInterpFn (&slots)[16], LumaInterpFn (&copies)[3]) {
+    copies[0] = copy<W, 4>, copies[1] = copy<W, 8>, copies[2] = copy<W, 16>;
     slots[1] = vertical<W, 1>, slots[2] = vertical<W, 2>, slots[3] = vertical<W, 3>;
     slots[4] = horizontal<W, 1>, slots[8] = horizontal<W, 2>, slots[12] = horizontal<W, 3>;
     slots[5] = diagonal<W, 1, 1>, slots[7] = diagonal<W, 1, 3>, slots[13] = diagonal<W, 3, 1>;
