@@ -25,15 +25,32 @@ namespace {
 
 // ---- Sixteen 16-bit lanes ---------------------------------------------------------------------------
 
+// Small constants in memory: loads cost no vector operation, where a broadcast from a general
+// register costs two or three.
+struct alignas(32) Splat {
+    int16_t v[16];
+};
+template <int x>
+constexpr Splat kSplat = {{x, x, x, x, x, x, x, x, x, x, x, x, x, x, x, x}};
+
 #if defined(__AVX2__)
 struct V16 {
     __m256i v;
     static V16 splat(int x) { return {_mm256_set1_epi16(int16_t(x))}; }
+    template <int x>
+    static V16 constant() {
+        return {_mm256_load_si256(reinterpret_cast<const __m256i*>(kSplat<x>.v))};
+    }
     // 16 bytes widened.
     static V16 widen(__m128i b) { return {_mm256_cvtepu8_epi16(b)}; }
     // Saturated to bytes, lane order kept.
     __m128i bytes() const {
         return _mm256_castsi256_si128(_mm256_permute4x64_epi64(_mm256_packus_epi16(v, v), 0x08));
+    }
+    // Lanes 0..7 of a then b, and lanes 8..15 of a then b, saturated to bytes.
+    static void pack_halves(V16 a, V16 b, __m128i& lo, __m128i& hi) {
+        const __m256i p = _mm256_packus_epi16(a.v, b.v);
+        lo = _mm256_castsi256_si128(p), hi = _mm256_extracti128_si256(p, 1);
     }
     template <class F>
     V16 map(V16 b, F f) const {
@@ -62,11 +79,19 @@ inline V16 sll(V16 a) {
 struct V16 {
     __m128i lo, hi;
     static V16 splat(int x) { return {_mm_set1_epi16(int16_t(x)), _mm_set1_epi16(int16_t(x))}; }
+    template <int x>
+    static V16 constant() {
+        const __m128i c = _mm_load_si128(reinterpret_cast<const __m128i*>(kSplat<x>.v));
+        return {c, c};
+    }
     static V16 widen(__m128i b) {
         const __m128i z = _mm_setzero_si128();
         return {_mm_unpacklo_epi8(b, z), _mm_unpackhi_epi8(b, z)};
     }
     __m128i bytes() const { return _mm_packus_epi16(lo, hi); }
+    static void pack_halves(V16 a, V16 b, __m128i& l, __m128i& h) {
+        l = _mm_packus_epi16(a.lo, b.lo), h = _mm_packus_epi16(a.hi, b.hi);
+    }
     template <class F>
     V16 map(V16 b, F f) const {
         return {f(lo, b.lo), f(hi, b.hi)};
@@ -143,7 +168,7 @@ struct LumaLines {
 // other side's; `full` lanes take the three-sample averages, the other strong lanes only a0'.
 KVT_INLINE void strong_side(V16 m, V16 full, V16 a0, V16 a1, V16 a2, V16 a3, V16 b0, V16 b1, V16& o0, V16& o1,
                             V16& o2) {
-    const V16 s3 = a1 + a0 + b0, two = V16::splat(2), four = V16::splat(4);
+    const V16 s3 = a1 + a0 + b0, two = V16::constant<2>(), four = V16::constant<4>();
     o0 = select(m, select(full, sra<3>(a2 + sll<1>(s3) + b1 + four), sra<2>(sll<1>(a1) + a0 + b1 + two)), o0);
     o1 = select(full, sra<2>(a2 + s3 + two), o1);
     o2 = select(full, sra<3>(sll<1>(a3 + a2) + a2 + s3 + four), o2);
@@ -158,7 +183,7 @@ KVT_INLINE void filter_luma(LumaLines& l, const EdgeLanes& e, bool any_normal, b
     const V16 ap = less(absdiff(in.p2, in.p0), e.beta), aq = less(absdiff(in.q2, in.q0), e.beta);
     if (any_normal) {
         const V16 m = on & e.normal, tc = e.tc0 - ap - aq, tc0n = zero - e.tc0;
-        const V16 d = sra<3>(sll<2>(in.q0 - in.p0) + (in.p1 - in.q1) + V16::splat(4));
+        const V16 d = sra<3>(sll<2>(in.q0 - in.p0) + (in.p1 - in.q1) + V16::constant<4>());
         const V16 delta = clip3(zero - tc, tc, d) & m, pq = avg(in.p0, in.q0);
         l.p0 = in.p0 + delta;
         l.q0 = in.q0 - delta;
@@ -166,7 +191,7 @@ KVT_INLINE void filter_luma(LumaLines& l, const EdgeLanes& e, bool any_normal, b
         l.q1 = in.q1 + (clip3(tc0n, e.tc0, sra<1>(in.q2 + pq - sll<1>(in.q1))) & m & aq);
     }
     if (any_strong) {
-        const V16 m = on & e.strong, small = m & less(ad, sra<2>(e.alpha) + V16::splat(2));
+        const V16 m = on & e.strong, small = m & less(ad, sra<2>(e.alpha) + V16::constant<2>());
         strong_side(m, small & ap, in.p0, in.p1, in.p2, in.p3, in.q0, in.q1, l.p0, l.p1, l.p2);
         strong_side(m, small & aq, in.q0, in.q1, in.q2, in.q3, in.p0, in.p1, l.q0, l.q1, l.q2);
     }
@@ -175,12 +200,12 @@ KVT_INLINE void filter_luma(LumaLines& l, const EdgeLanes& e, bool any_normal, b
 // s[0..3] = p1, p0, q0, q1; results replace s[1..2]. tc = tc0 + 1; the strong filter only
 // averages p0 and q0 with their neighbours. Both filters are cheap enough to run unconditionally.
 KVT_INLINE void filter_chroma(V16 (&s)[4], const EdgeLanes& e) {
-    const V16 p1 = s[0], p0 = s[1], q0 = s[2], q1 = s[3], zero = V16::splat(0), two = V16::splat(2);
+    const V16 p1 = s[0], p0 = s[1], q0 = s[2], q1 = s[3], zero = V16::splat(0), two = V16::constant<2>();
     const V16 on =
         less(absdiff(p0, q0), e.alpha) & less(absdiff(p1, p0), e.beta) & less(absdiff(q1, q0), e.beta);
-    const V16 tc = e.tc0 + V16::splat(1);
+    const V16 tc = e.tc0 + V16::constant<1>();
     const V16 delta =
-        clip3(zero - tc, tc, sra<3>(sll<2>(q0 - p0) + (p1 - q1) + V16::splat(4))) & on & e.normal;
+        clip3(zero - tc, tc, sra<3>(sll<2>(q0 - p0) + (p1 - q1) + V16::constant<4>())) & on & e.normal;
     const V16 m = on & e.strong;
     s[1] = select(m, sra<2>(sll<1>(p1) + p0 + q1 + two), p0 + delta);
     s[2] = select(m, sra<2>(sll<1>(q1) + q0 + p1 + two), q0 - delta);
@@ -204,9 +229,10 @@ inline __m128i spread2(const uint8_t* a, const uint8_t* b) {
 struct StrengthBytes {
     __m128i normal, strong;
     explicit StrengthBytes(__m128i bs) {
-        const __m128i up_to_3 = _mm_cmpeq_epi8(_mm_min_epu8(bs, _mm_set1_epi8(3)), bs);
+        const __m128i up_to_3 = _mm_cmpeq_epi8(
+            _mm_min_epu8(bs, _mm_load_si128(reinterpret_cast<const __m128i*>(kSplat<0x0303>.v))), bs);
         normal = _mm_andnot_si128(_mm_cmpeq_epi8(bs, _mm_setzero_si128()), up_to_3);
-        strong = _mm_andnot_si128(up_to_3, _mm_set1_epi8(-1));
+        strong = _mm_xor_si128(up_to_3, _mm_cmpeq_epi8(bs, bs));
     }
 };
 
@@ -337,47 +363,84 @@ KVT_INLINE void transpose16(__m128i (&r)[16]) {
     return kvtStsOk;
 }
 
-// Both chroma edges from four rows of 16 bytes: bytes 0..7 of edge 0's lines, 8..15 of edge 4's.
-KVT_INLINE void chroma_edges(__m128i (&rows)[4], const uint8_t* alpha, const uint8_t* beta,
-                             const uint8_t* tc0, const uint8_t* bs) {
+// Both chroma edges from four rows of 16 bytes (p1, p0, q0, q1; bytes 0..7 of edge 0's lines,
+// 8..15 of edge 4's); pq[e] receives p0' then q0' of edge 0 (e = 0) or 4 (e = 1).
+KVT_INLINE void chroma_edges(const __m128i (&rows)[4], const uint8_t* alpha, const uint8_t* beta,
+                             const uint8_t* tc0, const uint8_t* bs, __m128i (&pq)[2]) {
+    V16 s[4];
+    for (int i = 0; i < 4; ++i) s[i] = V16::widen(rows[i]);
+#if defined(__SSSE3__)
+    // Byte shuffles spread the argument bytes over the lanes: alpha / beta by edge, bS / tc0 by
+    // segment; the strength masks come from 16-bit compares.
+    const auto pair = [](const uint8_t* p) {
+        uint16_t v;
+        std::memcpy(&v, p, 2);
+        return V16::widen(_mm_shuffle_epi8(_mm_cvtsi32_si128(v),
+                                           _mm_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1)));
+    };
+    const __m128i by_segment = _mm_setr_epi8(0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7);
+    const V16 b = V16::widen(_mm_shuffle_epi8(_mm_unpacklo_epi32(load4(bs), load4(bs + 8)), by_segment));
+    const V16 three = V16::constant<3>();
+    const EdgeLanes lanes{pair(alpha), pair(beta), less(V16::splat(0), b) & less(b, V16::constant<4>()),
+                          less(three, b), V16::widen(_mm_shuffle_epi8(load8(tc0), by_segment))};
+#else
     const auto halves = [](int a, int b) {
         return V16::widen(_mm_unpacklo_epi64(_mm_set1_epi8(char(a)), _mm_set1_epi8(char(b))));
     };
-    V16 s[4];
-    for (int i = 0; i < 4; ++i) s[i] = V16::widen(rows[i]);
-    filter_chroma(s, edge_lanes(halves(alpha[0], alpha[1]), halves(beta[0], beta[1]),
-                                StrengthBytes(spread2(bs, bs + 8)), spread2(tc0, tc0 + 4)));
-    rows[1] = s[1].bytes();
-    rows[2] = s[2].bytes();
+    const EdgeLanes lanes = edge_lanes(halves(alpha[0], alpha[1]), halves(beta[0], beta[1]),
+                                       StrengthBytes(spread2(bs, bs + 8)), spread2(tc0, tc0 + 4));
+#endif
+    filter_chroma(s, lanes);
+    V16::pack_halves(s[1], s[2], pq[0], pq[1]);
 }
 
+// Rows -2..1 and 2..5 go to the two halves of four registers; p0 and q0 come back as rows -1, 0
+// and 3, 4.
 [[maybe_unused]] KvtStatus chroma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
                                       const uint8_t* tc0, const uint8_t* bs) {
+    const intptr_t s = step;
     __m128i rows[4];
-    for (int i = 0; i < 4; ++i)
-        rows[i] =
-            _mm_unpacklo_epi64(load8(p + (i - 2) * intptr_t(step)), load8(p + (i + 2) * intptr_t(step)));
-    chroma_edges(rows, alpha, beta, tc0, bs);
-    for (int i = 1; i < 3; ++i) {
-        store8(p + (i - 2) * intptr_t(step), rows[i]);
-        store8(p + (i + 2) * intptr_t(step), _mm_unpackhi_epi64(rows[i], rows[i]));
-    }
+    for (int i = 0; i < 4; ++i) rows[i] = _mm_unpacklo_epi64(load8(p + (i - 2) * s), load8(p + (i + 2) * s));
+    __m128i pq[2];
+    chroma_edges(rows, alpha, beta, tc0, bs, pq);
+    const auto store_high = [](uint8_t* q, __m128i v) {
+        _mm_storeh_pd(reinterpret_cast<double*>(q), _mm_castsi128_pd(v));
+    };
+    store8(p - s, pq[0]), store_high(p, pq[0]);
+    store8(p + 3 * s, pq[1]), store_high(p + 4 * s, pq[1]);
     return kvtStsOk;
 }
 
-// Columns -2..5 of the 8 rows: lines of edge 0 are columns -2..1, of edge 4 columns 2..5.
+// 8x8 byte transpose of the low halves of r[0..7]: out[k] holds columns 2k (low half) and 2k + 1.
+inline void transpose8(const __m128i (&r)[8], __m128i (&out)[4]) {
+    __m128i a[4], b[4];
+    for (int i = 0; i < 4; ++i) a[i] = _mm_unpacklo_epi8(r[2 * i], r[2 * i + 1]);
+    b[0] = _mm_unpacklo_epi16(a[0], a[1]), b[1] = _mm_unpackhi_epi16(a[0], a[1]);  // rows 0..3
+    b[2] = _mm_unpacklo_epi16(a[2], a[3]), b[3] = _mm_unpackhi_epi16(a[2], a[3]);  // rows 4..7
+    out[0] = _mm_unpacklo_epi32(b[0], b[2]), out[1] = _mm_unpackhi_epi32(b[0], b[2]);
+    out[2] = _mm_unpacklo_epi32(b[1], b[3]), out[3] = _mm_unpackhi_epi32(b[1], b[3]);
+}
+
+// Columns -2..5 of the 8 rows: lines of edge 0 are columns -2..1, of edge 4 columns 2..5; all 8
+// columns go back (the unchanged ones with their own values).
 [[maybe_unused]] KvtStatus chroma_ver(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
                                       const uint8_t* tc0, const uint8_t* bs) {
-    __m128i r[16];
-    for (int y = 0; y < 8; ++y) r[y] = load8(p - 2 + y * intptr_t(step)), r[y + 8] = _mm_setzero_si128();
-    transpose16(r);  // r[c] = column c - 2 in bytes 0..7
-    __m128i rows[4];
-    for (int i = 0; i < 4; ++i) rows[i] = _mm_unpacklo_epi64(r[i], r[i + 4]);
-    chroma_edges(rows, alpha, beta, tc0, bs);
-    for (int i = 0; i < 4; ++i) r[i] = rows[i], r[i + 4] = _mm_unpackhi_epi64(rows[i], rows[i]);
-    for (int i = 8; i < 16; ++i) r[i] = _mm_setzero_si128();
-    transpose16(r);
-    for (int y = 0; y < 8; ++y) store8(p - 2 + y * intptr_t(step), r[y]);
+    const intptr_t s = step;
+    __m128i r[8], c[4];
+    for (int y = 0; y < 8; ++y) r[y] = load8(p - 2 + y * s);
+    transpose8(r, c);  // c[k]: columns 2k - 2 and 2k - 1
+    __m128i rows[4] = {_mm_unpacklo_epi64(c[0], c[2]), _mm_unpackhi_epi64(c[0], c[2]),
+                       _mm_unpacklo_epi64(c[1], c[3]), _mm_unpackhi_epi64(c[1], c[3])};
+    __m128i pq[2];
+    chroma_edges(rows, alpha, beta, tc0, bs, pq);
+    rows[1] = _mm_unpacklo_epi64(pq[0], pq[1]), rows[2] = _mm_unpackhi_epi64(pq[0], pq[1]);
+    // Columns back to separate registers: -2, -1, 0, 1 from the low halves, 2..5 from the high.
+    for (int k = 0; k < 4; ++k) r[k] = rows[k], r[k + 4] = _mm_unpackhi_epi64(rows[k], rows[k]);
+    transpose8(r, c);  // c[k]: rows 2k and 2k + 1
+    for (int k = 0; k < 4; ++k) {
+        store8(p - 2 + 2 * k * s, c[k]);
+        store8(p - 2 + (2 * k + 1) * s, _mm_unpackhi_epi64(c[k], c[k]));
+    }
     return kvtStsOk;
 }
 
