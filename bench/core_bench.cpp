@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "bench.h"
-#include "core/vector_kernels.h"
+#include "core/vector_dsp.h"
 #include "kvtvc.h"
 
 using namespace kvt;
@@ -27,41 +27,62 @@ Body on_buffer(size_t n, Op op) {
 
 int16_t* as16(uint8_t* p) { return reinterpret_cast<int16_t*>(p); }
 
+// One row: slot(d) is the kernel, run(kernel, buffer, bytes) one call of it.
+template <class Slot, class Run>
+void vector_row(const std::string& fn, const std::string& args, size_t n, Slot slot, Run run) {
+    add_kernel<VectorDsp>(
+        fn, args, init_vector_dsp, ref::init_vector,
+        [slot](const VectorDsp& d) { return (const void*)slot(d); },
+        [=](const VectorDsp& d, benchmark::State& st) {
+            on_buffer(n, [&](uint8_t* p, int len) { run(slot(d), p, len); })(st);
+        });
+}
+
 }  // namespace
 
 KVT_BENCH_ROWS {
+    static std::vector<uint8_t> src(8192, 9);
     for (size_t n : {64, 128, 256, 512, 1024, 4096}) {
-        const std::string sz = "/" + std::to_string(n);
-        add_row("kvtsSet_8u" + sz, on_buffer(n, [](uint8_t* p, int len) { set_8u_ref(3, p, len); }),
-                on_buffer(n, [](uint8_t* p, int len) { kvtsSet_8u(3, p, len); }), "memset",
-                on_buffer(n, [](uint8_t* p, int len) { std::memset(p, 3, size_t(len)); }));
-        add_row("kvtsZero_16s" + sz, on_buffer(n, [](uint8_t* p, int len) { zero_16s_ref(as16(p), len / 2); }),
-                on_buffer(n, [](uint8_t* p, int len) { kvtsZero_16s(as16(p), len / 2); }), "memset",
-                on_buffer(n, [](uint8_t* p, int len) { std::memset(p, 0, size_t(len)); }));
-        static std::vector<uint8_t> src(8192, 9);
-        add_row("kvtsCopy_8u" + sz, on_buffer(n, [](uint8_t* p, int len) { copy_8u_ref(src.data(), p, len); }),
-                on_buffer(n, [](uint8_t* p, int len) { kvtsCopy_8u(src.data(), p, len); }), "memcpy",
-                on_buffer(n, [](uint8_t* p, int len) { std::memcpy(p, src.data(), size_t(len)); }));
+        const std::string sz = std::to_string(n) + " bytes";
+        vector_row(
+            "kvtsSet_8u", sz, n, [](const VectorDsp& d) { return d.set_8u; },
+            [](auto k, uint8_t* p, int len) { k(3, p, len); });
+        add_column("kvtsSet_8u", sz, "memset",
+                   on_buffer(n, [](uint8_t* p, int len) { std::memset(p, 3, size_t(len)); }));
+        vector_row(
+            "kvtsZero_16s", sz, n, [](const VectorDsp& d) { return d.zero_16s; },
+            [](auto k, uint8_t* p, int len) { k(as16(p), len / 2); });
+        add_column("kvtsZero_16s", sz, "memset",
+                   on_buffer(n, [](uint8_t* p, int len) { std::memset(p, 0, size_t(len)); }));
+        vector_row(
+            "kvtsCopy_8u", sz, n, [](const VectorDsp& d) { return d.copy_8u; },
+            [](auto k, uint8_t* p, int len) { k(src.data(), p, len); });
+        add_column("kvtsCopy_8u", sz, "memcpy",
+                   on_buffer(n, [](uint8_t* p, int len) { std::memcpy(p, src.data(), size_t(len)); }));
     }
-    add_row("kvtsSet_16s/1024", on_buffer(2048, [](uint8_t* p, int len) { set_16s_ref(-5, as16(p), len / 2); }),
-            on_buffer(2048, [](uint8_t* p, int len) { kvtsSet_16s(-5, as16(p), len / 2); }));
-    for (int s : {0, 3, -2}) {
-        const std::string name = "kvtsMulC_16s_ISfs/1024/sf" + std::to_string(s);
-        add_row(name, on_buffer(2048, [s](uint8_t* p, int len) { mulc_16s_sfs_ref(3, as16(p), len / 2, s); }),
-                on_buffer(2048, [s](uint8_t* p, int len) { kvtsMulC_16s_ISfs(3, as16(p), len / 2, s); }));
-    }
-    add_row("kvtsThreshold_16s_I/1024",
-            on_buffer(2048, [](uint8_t* p, int len) { threshold_gt_16s_ref(as16(p), len / 2, 100); }),
-            on_buffer(2048, [](uint8_t* p, int len) { kvtsThreshold_16s_I(as16(p), len / 2, 100, 4); }));
-    add_row("kvtiSet_8u_C1R/16x16/step32",
-            on_buffer(512, [](uint8_t* p, int) { set_8u_c1r_ref(7, p, 32, 16, 16); }),
-            on_buffer(512, [](uint8_t* p, int) { kvtiSet_8u_C1R(7, p, 32, {16, 16}); }));
-    add_row("kvtiCountZeros8x8_16s_C1",
-            on_buffer(128, [](uint8_t* p, int) { benchmark::DoNotOptimize(count_zeros_8x8_16s_ref(as16(p))); }),
-            on_buffer(128, [](uint8_t* p, int) {
-                Kvt32u n;
-                kvtiCountZeros8x8_16s_C1(as16(p), &n);
-                benchmark::DoNotOptimize(n);
-            }));
+    // The exported front at 64 bytes: argument checks and one jump through the table.
+    add_column("kvtsSet_8u", "64 bytes, front", "front",
+               on_buffer(64, [](uint8_t* p, int len) { kvtsSet_8u(3, p, len); }));
+    vector_row(
+        "kvtsSet_16s", "1024 values", 2048, [](const VectorDsp& d) { return d.set_16s; },
+        [](auto k, uint8_t* p, int len) { k(-5, as16(p), len / 2); });
+    for (int s : {0, 3, -2})
+        vector_row(
+            "kvtsMulC_16s_ISfs", "1024 values, sf " + std::to_string(s), 2048,
+            [](const VectorDsp& d) { return d.mulc_16s_sfs; },
+            [s](auto k, uint8_t* p, int len) { k(3, as16(p), len / 2, s); });
+    vector_row(
+        "kvtsThreshold_16s_I", "1024 values, gt", 2048, [](const VectorDsp& d) { return d.threshold_gt_16s; },
+        [](auto k, uint8_t* p, int len) { k(as16(p), len / 2, 100); });
+    vector_row(
+        "kvtiSet_8u_C1R", "16x16, step 32", 512, [](const VectorDsp& d) { return d.set_8u_c1r; },
+        [](auto k, uint8_t* p, int) { k(7, p, 32, 16, 16); });
+    vector_row(
+        "kvtiCountZeros8x8_16s_C1", "", 128, [](const VectorDsp& d) { return d.count_zeros_8x8; },
+        [](auto k, uint8_t* p, int) {
+            uint32_t n;
+            k(as16(p), &n);
+            benchmark::DoNotOptimize(n);
+        });
     return 0;
 }

@@ -19,13 +19,13 @@ struct Entry {
     int run, level;    // ESC and EOB: runs 200 and 201, level 0
 };
 
-// ISO/IEC 13818-2 Table B.14 (DCT coefficients table zero), from the shared code tables.
+// ISO/IEC 13818-2 Table B.14 (DCT coefficients table zero), from tables/.
 const std::vector<Entry>& b14() {
     static const std::vector<Entry> table = [] {
         const std::string path = std::string(KVT_TABLES_DIR) + "/mpeg2_dct_coeff_b14.tsv";
         std::ifstream in(path);
         std::string header, code, run, level;
-        std::getline(in, header);
+        while (std::getline(in, header) && header.rfind('#', 0) == 0) continue;  // provenance line(s)
         std::vector<Entry> out;
         while (in >> code >> run >> level) {
             if (run == "EOB" || run == "ESC")

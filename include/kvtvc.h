@@ -118,7 +118,28 @@ typedef struct {
 /* A built variable-length-code table (see kvtiVCHuffmanInitAlloc_32s). */
 typedef Kvt32s KvtVCHuffmanSpec_32s;
 
+/* ---- Named constants ----------------------------------------------------------------------- */
+/* Half-sample phase codes (mcType). With a = ref(x, y), b = ref(x + 1, y), c = ref(x, y + 1) and
+ * d = ref(x + 1, y + 1), the prediction of sample (x, y) averages the samples named here. */
+enum {
+    kvtMcFull = 0,     /* integer position: a */
+    kvtMcVertHalf = 4, /* vertical half sample: a and c */
+    kvtMcHorHalf = 8,  /* horizontal half sample: a and b */
+    kvtMcBothHalf = 12 /* half sample in both directions: a, b, c and d */
+};
+/* Rounding controls (roundControl): kvtRoundLower takes one off the rounding term of every
+ * half-sample average (MPEG-4 vop_rounding_type 1, H.263 RTYPE 1). */
+enum { kvtRoundNormal = 0, kvtRoundLower = 1 };
+/* Threshold relations (relOp of kvtsThreshold_16s_I): the side of the level that is clipped. */
+enum {
+    kvtCmpLess = 0,   /* values below the level are raised to it */
+    kvtCmpGreater = 4 /* values above the level are lowered to it */
+};
+
 /* ==== Library frame ========================================================================= */
+/* Version, aligned memory and vector helpers. Lengths count elements; a null pointer returns -8
+ * (kvtStsNullPointer) and then len < 1 or an empty region -6 (kvtStsBadSize); a region's step is
+ * checked last (-14). Nothing is read or written outside [0, len) or the region. */
 
 /* Static, read-only version record of this library. */
 KVTAPI const KvtLibraryVersion* kvtvcGetLibVersion(void);
@@ -136,7 +157,7 @@ KVTAPI KvtStatus kvtsZero_16s(Kvt16s* pDst, int len);
 KVTAPI KvtStatus kvtsCopy_8u(const Kvt8u* pSrc, Kvt8u* pDst, int len);
 /* pSrcDst[i] = sat16(pSrcDst[i] * val / 2^scaleFactor), rounded half to even. */
 KVTAPI KvtStatus kvtsMulC_16s_ISfs(Kvt16s val, Kvt16s* pSrcDst, int len, int scaleFactor);
-/* relOp 4: clip values above level down to level; any other relOp: clip values below up. */
+/* kvtCmpGreater: values above level become level; any other relOp (kvtCmpLess): values below. */
 KVTAPI KvtStatus kvtsThreshold_16s_I(Kvt16s* pSrcDst, int len, Kvt16s level, int relOp);
 /* Fills a width x height region of step dstStep bytes with val. */
 KVTAPI KvtStatus kvtiSet_8u_C1R(Kvt8u val, Kvt8u* pDst, int dstStep, KvtRegionSize roiSize);
@@ -144,13 +165,34 @@ KVTAPI KvtStatus kvtiSet_8u_C1R(Kvt8u val, Kvt8u* pDst, int dstStep, KvtRegionSi
 KVTAPI KvtStatus kvtiCountZeros8x8_16s_C1(const Kvt16s* pSrc, Kvt32u* pCount);
 
 /* ==== Word bit cursor and VLC tables ======================================================== */
+/* A code description (pInputTable) is an array of Kvt32s:
+ *   word 0          unused;
+ *   word 1          L, the number of lookup levels (with L < 1 no code is placed, every lookup of
+ *                   the root, word 2 bits wide, misses);
+ *   words 2..L+1    the width in bits of each level, root first; a code is looked up w0 bits at a
+ *                   time, then w1 bits in the sub-table those bits lead to, and so on;
+ *   then            for code lengths 1, 2, 3, ... in turn: a count n (0 allowed) and n records,
+ *                   (code, value) for kvtiVCHuffmanInitAlloc_32s, (code, run, level) for
+ *                   kvtiVCHuffmanInitAllocRL_32s, code being the code's bits right-aligned (first bit
+ *                   most significant); a negative word in place of a count ends the description.
+ * Codes longer than all levels together are ignored. A decoded plain value is the low 24 bits of
+ * value, sign-extended; a run/level code decodes to level * 256 + (run & 255), level -32768..32767;
+ * a code that decodes to 61681 reads as a miss.
+ * Capacity: a built table is one fixed block, 16384 words (64 KiB) for plain descriptions and
+ * 262144 words (1 MiB) for run/level ones. It holds word 0, the 2^w0 root entries, and one header
+ * word plus 2^w entries for every sub-table the codes open (w the width of its level). A
+ * description that needs more words is invalid and is not checked, by design: building it writes
+ * past the block. A miss (-74, kvtStsBadVlcCode) stores 61681 and leaves the cursor after the bits
+ * the lookups read, the one case where a failing call moves a cursor. Look-ahead: each level reads
+ * its full width, so a decode may read up to the sum of the widths from the cursor whatever the
+ * code's length; it reads only the words those bits lie in. */
 
-/* Builds a lookup table from (code, value) records grouped by code length; free it with
- * kvtiVCHuffmanFree_32s. */
+/* Allocates and builds the lookup table of a (code, value) description; free it with
+ * kvtiVCHuffmanFree_32s. -8 on a null pointer, -9 when out of memory. */
 KVTAPI KvtStatus kvtiVCHuffmanInitAlloc_32s(const Kvt32s* pInputTable, KvtVCHuffmanSpec_32s** ppVLCSpec);
-/* As kvtiVCHuffmanInitAlloc_32s with (code, run, level) records. */
+/* As kvtiVCHuffmanInitAlloc_32s for a (code, run, level) description. */
 KVTAPI KvtStatus kvtiVCHuffmanInitAllocRL_32s(const Kvt32s* pInputTable, KvtVCHuffmanSpec_32s** ppVLCSpec);
-/* Reads one code at the word cursor and stores its value; -74 when the code is not in the table. */
+/* Reads one code at the word cursor and stores its value; -74 (and 61681) when it is not in the table. */
 KVTAPI KvtStatus kvtiVCHuffmanDecodeOne_1u32s(Kvt32u** ppBitStream, int* pOffset, Kvt32s* pDst,
                                               const KvtVCHuffmanSpec_32s* pVLCSpec);
 /* Releases a built table and sets *ppVLCSpec to NULL; a NULL table is ignored. */
@@ -235,8 +277,17 @@ KVTAPI KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVe
                                          const KvtRegionRect* pRectRef, Kvt32u xPos, Kvt32u yPos, int size);
 
 /* ==== Motion estimation: block metrics ====================================================== */
+/* Blocks are a pointer to the top-left sample and a step in bytes, current block first; no
+ * alignment is required and steps may be negative. mcType is a half-sample phase code (kvtMc*);
+ * a phase reads one column (kvtMcHorHalf, kvtMcBothHalf) and one row (kvtMcVertHalf,
+ * kvtMcBothHalf) of the reference beyond the block, nothing else beyond it. A null pointer
+ * returns -8 unless noted; steps, phases and rounding controls are not rejected (how each
+ * function reads an out-of-range value is said below), so most calls cannot fail otherwise. */
 
 /* -- Residuals, residual sums and texture error -- */
+/* Residual = current - prediction. The half-sample averages are (a + c + k1) >> 1, (a + b + k1) >> 1
+ * and (a + b + c + d + k2) >> 2 with r = 0 for kvtRoundNormal and 1 for any other roundControl:
+ * narrow form k1 = 1 - r, k2 = 2 - r; wide form k1 = 2 - r, k2 = 3 - r. The phase is mcType & 12. */
 /* Residual of a 16x16 block against a half-sample prediction (wide rounding form); mcType & 12
  * selects the phase, pDstPredictor may be NULL, otherwise it receives the prediction. */
 KVTAPI KvtStatus kvtiGetDiff16x16_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
@@ -266,7 +317,7 @@ KVTAPI KvtStatus kvtiGetDiff8x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, c
 /* Residual current - reference of a 4x4 block at the integer position. */
 KVTAPI KvtStatus kvtiGetDiff4x4_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef,
                                          int srcRefStep, Kvt16s* pDstDiff, int dstDiffStep);
-/* Residual of a 16x16 block against the truncating average of two half-sample predictions. */
+/* Residual of a 16x16 block against (F + B) >> 1 of two narrow-form half-sample predictions F and B. */
 KVTAPI KvtStatus kvtiGetDiff16x16B_8u16s_C1(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRefF,
                                             int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB,
                                             int srcRefStepB, int mcTypeB, Kvt16s* pDstDiff, int dstDiffStep,
@@ -359,6 +410,27 @@ KVTAPI KvtStatus kvtiEdgesDetect16x16_8u_C1R(const Kvt8u* pSrc, int srcStep, Kvt
                                              Kvt8u countThreshold, Kvt8u* pRes);
 
 /* ---- 8x8 DCT family (MPEG-1/2, H.263, MPEG-4). IEEE Std 1180 accuracy. ---- */
+/* Blocks are 64 signed 16-bit values in raster order (index 8 x row + column); the scaling is the
+ * orthonormal 2-D DCT (forward DC = sum / 8, no level shift). The inverse transforms meet IEEE Std
+ * 1180-1990 for coefficients in -2048..2047; the reduced forms give the full form's result bit for
+ * bit when only the top-left 4x4 (2x2) coefficients are nonzero and ignore the others. The forward
+ * transforms are within 1 of the rounded exact DCT for inputs of magnitude up to 723 (larger ones
+ * saturate). Results are the same on every processor. Null pointers: -8; a step below its minimum:
+ * -14 (-82 for kvtiDCTInv_8x8_16s8u). Pixel rows are written top to bottom. */
+/* Inverse DCT in place, results saturated to -32768..32767. */
+KVTAPI KvtStatus kvtiDCT8x8Inv_16s_C1I(Kvt16s* pSrcDst);
+/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 4x4 coefficients are nonzero (the others are ignored). */
+KVTAPI KvtStatus kvtiDCT8x8Inv_4x4_16s_C1I(Kvt16s* pSrcDst);
+/* As kvtiDCT8x8Inv_16s_C1I when only the top-left 2x2 coefficients are nonzero (the others are ignored). */
+KVTAPI KvtStatus kvtiDCT8x8Inv_2x2_16s_C1I(Kvt16s* pSrcDst);
+/* Inverse DCT of pSrc to 8x8 pixels saturated to 0..255, rows dstStep bytes apart (dstStep >= 1). */
+KVTAPI KvtStatus kvtiDCT8x8Inv_16s8u_C1R(const Kvt16s* pSrc, Kvt8u* pDst, int dstStep);
+/* Forward DCT in place. */
+KVTAPI KvtStatus kvtiDCT8x8Fwd_16s_C1I(Kvt16s* pSrcDst);
+/* Forward DCT of 8x8 pixels, rows srcStep bytes apart (srcStep >= 1), into 64 coefficients. */
+KVTAPI KvtStatus kvtiDCT8x8Fwd_8u16s_C1R(const Kvt8u* pSrc, int srcStep, Kvt16s* pDst);
+/* H.263 form of kvtiDCT8x8Inv_16s8u_C1R: the step must be at least 8 (-82). */
+KVTAPI KvtStatus kvtiDCTInv_8x8_16s8u(const Kvt16s* pSrc, Kvt8u* pDst, int dstStep);
 
 /* (end of section) */
 

@@ -1,9 +1,9 @@
 // SSE2 kernels of the vector helpers.
+#include "common/kernel.h"
 #include "common/simd.h"
-#include "core/vector_kernels.h"
-#include "core/wide_stores.h"
+#include "core/vector_dsp.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
@@ -51,9 +51,9 @@ void fill_short(uint8_t* dst, size_t n, __m128i pattern) {
     for (size_t i = 0; i < n; ++i) dst[i] = bytes[i];
 }
 
-// Mid-sized byte fills go to the C library (when 256-bit stores are missing, wide_stores.h),
-// whose memset the loader resolves to the widest stores this processor has. The byte goes to
-// memset as is: a round trip through a vector register would sit on its critical path.
+// Mid-sized byte fills go to the C library (the AVX2 tier takes them where it runs), whose memset the loader
+// resolves to the widest stores this processor has. The byte goes to memset as is: a round trip through a
+// vector register would sit on its critical path.
 void fill_bytes(uint8_t* dst, size_t n, uint8_t val, bool stream) {
     if (n <= 64)
         fill_short(dst, n, _mm_set1_epi8(char(val)));
@@ -114,35 +114,31 @@ void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
     }
 }
 
-// Every byte fill: 256-bit stores for the mid sizes where the processor has them, else
-// fill_bytes; `stream` when the whole job is large enough to bypass the cache.
+// Every byte fill; `stream` when the whole job is large enough to bypass the cache.
 KvtStatus set_bytes(uint8_t* dst, size_t n, uint8_t val, bool stream) {
-    if (use_wide_stores(n)) return fill_mid_avx2(dst, n, uint16_t(val * 0x0101u));
     fill_bytes(dst, n, val, stream);
     return kvtStsOk;
 }
 
 }  // namespace
 
-KvtStatus set_8u_sse2(uint8_t val, uint8_t* dst, int len) {
+KvtStatus set_8u(uint8_t val, uint8_t* dst, int len) {
     return set_bytes(dst, size_t(len), val, len > kStreamSetBytes);
 }
 
-KvtStatus set_16s_sse2(int16_t val, int16_t* dst, int len) {
+KvtStatus set_16s(int16_t val, int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
-    if (use_wide_stores(n)) return fill_mid_avx2(reinterpret_cast<uint8_t*>(dst), n, uint16_t(val));
     fill_words(reinterpret_cast<uint8_t*>(dst), n, _mm_set1_epi16(val));
     return kvtStsOk;
 }
 
-KvtStatus zero_16s_sse2(int16_t* dst, int len) {
+KvtStatus zero_16s(int16_t* dst, int len) {
     const size_t n = size_t(len) * 2;
     return set_bytes(reinterpret_cast<uint8_t*>(dst), n, 0, int64_t(n) > kStreamZeroBytes);
 }
 
-KvtStatus copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
+KvtStatus copy_8u(const uint8_t* src, uint8_t* dst, int len) {
     const size_t n = size_t(len);
-    if (use_wide_stores(n)) return copy_mid_avx2(src, dst, n);
     if (n <= 64) {
         copy_short(src, dst, n);
     } else if (len > kStreamCopyBytes) {
@@ -154,7 +150,7 @@ KvtStatus copy_8u_sse2(const uint8_t* src, uint8_t* dst, int len) {
 }
 
 // Contiguous rows are one fill; rows of a block (64 bytes or less) share one pattern register.
-KvtStatus set_8u_c1r_sse2(uint8_t val, uint8_t* dst, int step, int width, int height) {
+KvtStatus set_8u_c1r(uint8_t val, uint8_t* dst, int step, int width, int height) {
     const size_t w = size_t(width);
     const bool stream = int64_t(width) * height > kStreamSetBytes;
     if (step == width) return set_bytes(dst, w * size_t(height), val, stream);
@@ -229,11 +225,9 @@ void threshold(int16_t* srcdst, int len, int16_t level) {
     if (len & 7) clip(srcdst + len - 8);
 }
 
-}  // namespace
-
-KvtStatus mulc_16s_sfs_sse2(int16_t val, int16_t* srcdst, int len, int scale) {
+KvtStatus mulc_16s_sfs(int16_t val, int16_t* srcdst, int len, int scale) {
     if (val == 0 || scale > 30) {
-        zero_16s_sse2(srcdst, len);
+        zero_16s(srcdst, len);
     } else if (scale == 0) {
         if (val != 1) mulc_loop<MulRegime::Saturate>(val, srcdst, len, scale);
     } else if (scale > 0) {
@@ -246,21 +240,36 @@ KvtStatus mulc_16s_sfs_sse2(int16_t val, int16_t* srcdst, int len, int scale) {
     return kvtStsOk;
 }
 
-KvtStatus threshold_lt_16s_sse2(int16_t* srcdst, int len, int16_t level) {
+KvtStatus threshold_lt_16s(int16_t* srcdst, int len, int16_t level) {
     threshold<false>(srcdst, len, level);
     return kvtStsOk;
 }
 
-KvtStatus threshold_gt_16s_sse2(int16_t* srcdst, int len, int16_t level) {
+KvtStatus threshold_gt_16s(int16_t* srcdst, int len, int16_t level) {
     threshold<true>(srcdst, len, level);
     return kvtStsOk;
 }
 
-uint32_t count_zeros_8x8_16s_sse2(const int16_t* src) {
+KvtStatus count_zeros_8x8(const int16_t* src, uint32_t* out) {
     const __m128i zero = _mm_setzero_si128();
     __m128i count = zero;  // each 16-bit lane counts down by one per zero
     for (int i = 0; i < 64; i += 8) count = _mm_add_epi16(count, _mm_cmpeq_epi16(load(src + i), zero));
-    return uint32_t(-hsum_epi32(_mm_madd_epi16(count, _mm_set1_epi16(1))));
+    *out = uint32_t(-hsum_epi32(_mm_madd_epi16(count, _mm_set1_epi16(1))));
+    return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_vector(VectorDsp& d) {
+    d.set_8u = set_8u;
+    d.set_16s = set_16s;
+    d.zero_16s = zero_16s;
+    d.copy_8u = copy_8u;
+    d.mulc_16s_sfs = mulc_16s_sfs;
+    d.threshold_lt_16s = threshold_lt_16s;
+    d.threshold_gt_16s = threshold_gt_16s;
+    d.set_8u_c1r = set_8u_c1r;
+    d.count_zeros_8x8 = count_zeros_8x8;
+}
+
+}  // namespace kvt::sse2

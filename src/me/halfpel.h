@@ -7,14 +7,24 @@
 //   fixed  (SAD, squared differences, variances):      (1, 2)
 //   narrow (8-wide and bidirectional residuals):        (1 - r, 2 - r)
 //   wide   (16-wide single-direction residuals):        (2 - r, 3 - r)
+// with r = 0 for kvtRoundNormal and 1 for kvtRoundLower.
 // The wide form can predict 256 (r = 0, a = c = 255), so predictions are ints, not samples.
 #pragma once
 
 #include <cstdint>
 
+#include "kvtvc.h"
+
 namespace kvt {
 
-enum McType : int { kMcFull = 0, kMcVertHalf = 4, kMcHorHalf = 8, kMcBothHalf = 12 };
+enum McType : int {
+    kMcFull = kvtMcFull,
+    kMcVertHalf = kvtMcVertHalf,
+    kMcHorHalf = kvtMcHorHalf,
+    kMcBothHalf = kvtMcBothHalf
+};
+// The bits of a motion-compensation type that name its phase (the fronts ignore the others).
+constexpr int kMcPhaseBits = kvtMcVertHalf | kvtMcHorHalf;
 
 struct HalfRound {
     int k1, k2;

@@ -13,7 +13,7 @@ KvtStatus get_diff(const GetDiffTable& kernels, const Kvt8u* cur, int cur_step, 
                    int rounding) {
     if (KVT_UNLIKELY(!cur || !ref || !diff)) return kvtStsNullPointer;
     return kernels[get_diff_index(type, pred != nullptr)](cur, cur_step, ref, ref_step, diff, diff_step, pred,
-                                                          pred_step, rounding != 0);
+                                                          pred_step, rounding != kvtRoundNormal);
 }
 
 KvtStatus get_diff_b(const GetDiffBTable& kernels, const Kvt8u* cur, int cur_step, const Kvt8u* fwd,
@@ -21,7 +21,7 @@ KvtStatus get_diff_b(const GetDiffBTable& kernels, const Kvt8u* cur, int cur_ste
                      int diff_step, int rounding) {
     if (KVT_UNLIKELY(!cur || !fwd || !bwd || !diff)) return kvtStsNullPointer;
     return kernels[get_diff_b_index(fwd_type, bwd_type)](cur, cur_step, fwd, fwd_step, bwd, bwd_step, diff,
-                                                         diff_step, rounding != 0);
+                                                         diff_step, rounding != kvtRoundNormal);
 }
 
 }  // namespace

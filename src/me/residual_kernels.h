@@ -14,6 +14,7 @@
 
 #include "common/dispatch.h"
 #include "kvtvc.h"
+#include "me/halfpel.h"
 
 namespace kvt {
 
@@ -25,8 +26,12 @@ using GetDiffBKernel = KvtStatus (*)(const uint8_t* cur, int cur_step, const uin
 using GetDiffTable = std::array<GetDiffKernel, 8>;
 using GetDiffBTable = std::array<GetDiffBKernel, 16>;
 
-inline int get_diff_index(int type, bool with_pred) { return ((type & 12) >> 1) | (with_pred ? 1 : 0); }
-inline int get_diff_b_index(int fwd_type, int bwd_type) { return ((fwd_type & 12) >> 2) | (bwd_type & 12); }
+inline int get_diff_index(int type, bool with_pred) {
+    return ((type & kMcPhaseBits) >> 1) | (with_pred ? 1 : 0);
+}
+inline int get_diff_b_index(int fwd_type, int bwd_type) {
+    return ((fwd_type & kMcPhaseBits) >> 2) | (bwd_type & kMcPhaseBits);
+}
 
 // Table builders: K<W, H, Type, Wide, WithPred>::run and K<W, H, ForwardType, BackwardType>::run,
 // placed at the index the fronts compute.

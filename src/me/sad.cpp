@@ -20,7 +20,7 @@ bool aligned16(const void* p, int step) {
 KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                              Kvt32s* pDstSAD, int mcType) {
     if (!pSrcCur || !pSrcRef) return kvtStsNullPointer;
-    const int phase = (mcType >> 2) & 3;
+    const int phase = (mcType & kMcPhaseBits) >> 2;
     if (aligned16(pSrcCur, srcCurStep))
         return dsp.sad16_a16[phase](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
     return dsp.sad16[phase](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);

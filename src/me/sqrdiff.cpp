@@ -26,8 +26,8 @@ KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kv
                                   int mcTypeB, Kvt32s* pSqrDiff) {
     if (!pSrcCur || !pSrcRefF || !pSrcRefB || !pSqrDiff) return kvtStsNullPointer;
     const bool aligned = aligned16(pSrcCur, srcCurStep);
-    return with_phase(mcTypeF & 12, [&](auto fwd) {
-        return with_phase(mcTypeB & 12, [&](auto bwd) {
+    return with_phase(mcTypeF & kMcPhaseBits, [&](auto fwd) {
+        return with_phase(mcTypeB & kMcPhaseBits, [&](auto bwd) {
             constexpr int tf = decltype(fwd)::value, tb = decltype(bwd)::value;
             if (aligned)
                 return KVT_KERNEL_A16(sqrdiff_16x16b)<tf, tb>(pSrcCur, srcCurStep, pSrcRefF, srcRefStepF,

@@ -1,5 +1,5 @@
 // The exported mask tables, the byte-cursor writer and the VLC tables: the built block word by word on small
-// hand-made descriptions and the cursor moves of misses; tables from the shared code tables (MPEG-2
+// hand-made descriptions and the cursor moves of misses; tables built from tables/ (MPEG-2
 // B.14/B.15, MPEG-4 TCOEF) at several level splits with every code at every bit offset, which also
 // drives the word cursor (its only user) across word ends both ways; argument checks; the word
 // fill against its SIMD twin.

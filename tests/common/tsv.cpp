@@ -7,20 +7,41 @@
 
 namespace kvt::test {
 
+namespace {
+
+// The next line that is neither empty nor a `#` comment (the provenance line of each file).
+bool next_data_line(std::istream& in, std::string& line) {
+    while (std::getline(in, line))
+        if (!line.empty() && line[0] != '#') return true;
+    return false;
+}
+
+std::vector<std::string> split_tabs(const std::string& line) {
+    std::vector<std::string> cells;
+    std::string cell;
+    for (std::istringstream is(line); std::getline(is, cell, '\t');) cells.push_back(cell);
+    return cells;
+}
+
+}  // namespace
+
 std::vector<TsvRow> read_table(const std::string& file) {
-    std::ifstream in(std::string(KVT_TABLES_DIR) + "/" + file);
-    EXPECT_TRUE(in.good()) << "cannot open " << file;
-    std::string line, cell;
-    std::getline(in, line);
-    std::vector<std::string> header;
-    for (std::istringstream is(line); std::getline(is, cell, '\t');) header.push_back(cell);
-    std::vector<TsvRow> rows;
-    while (std::getline(in, line)) {
-        if (line.empty()) continue;
-        std::istringstream is(line);
-        rows.emplace_back();
-        for (size_t i = 0; i < header.size() && std::getline(is, cell, '\t'); ++i) rows.back().cells[header[i]] = cell;
+    const std::string path = std::string(KVT_TABLES_DIR) + "/" + file;
+    std::ifstream in(path);
+    std::string line;
+    if (!in.good() || !next_data_line(in, line)) {
+        ADD_FAILURE() << "cannot read the code table " << path;
+        return {};
     }
+    const std::vector<std::string> header = split_tabs(line);
+    std::vector<TsvRow> rows;
+    while (next_data_line(in, line)) {
+        const std::vector<std::string> cells = split_tabs(line);
+        rows.emplace_back();
+        for (size_t i = 0; i < header.size() && i < cells.size(); ++i)
+            rows.back().cells[header[i]] = cells[i];
+    }
+    if (rows.empty()) ADD_FAILURE() << "no rows in the code table " << path;
     return rows;
 }
 

@@ -1,4 +1,4 @@
-// Reader for the shared code tables (tab-separated, one header line).
+// Reader for the code tables in tables/ (tab-separated, `#` comment lines, one header line).
 #pragma once
 
 #include <map>
@@ -13,7 +13,8 @@ struct TsvRow {
     int num(const std::string& column) const { return std::stoi(cells.at(column)); }
 };
 
-// Rows of `file` in the shared tables folder; fails the current test when it cannot be read.
+// Rows of `file` in the project's tables/ folder (`#` lines skipped); fails the current test, naming
+// the file, when it is missing or has no rows.
 std::vector<TsvRow> read_table(const std::string& file);
 
 // A bit string such as "0010" as its numeric value (first bit most significant).

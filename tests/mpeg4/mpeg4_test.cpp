@@ -1,5 +1,5 @@
 // H.263 and MPEG-4 macroblock headers and motion vectors: every header code and rejected prefix, the
-// quantizer updates and random vector differences (every fcode, with wraps), written from the shared
+// quantizer updates and random vector differences (every fcode, with wraps), written from the code
 // tables and read back at every bit offset; the predictor, padding, chroma and direct-mode vectors
 // against models, the rectangle limit, and the argument checks of every function. Test streams are
 // strings of '0' and '1', independent of the library's bit writer.
@@ -53,7 +53,7 @@ KvtMotionVec random_mv(Rng& rng, int fcode) {
 
 int median(int a, int b, int c) { return std::max(std::min(a, b), std::min(std::max(a, b), c)); }
 
-// MPEG-4 motion code from the shared table, sign, then fcode - 1 residual bits.
+// MPEG-4 motion code from tables/, sign, then fcode - 1 residual bits.
 std::string encode_mvd(int d, int fcode) {
     static std::vector<std::string> codes(33);
     if (codes[0].empty())
@@ -67,7 +67,7 @@ std::string encode_mvd(int d, int fcode) {
 
 // `check` decodes into four vectors preset to n9, four times at each offset: an accepted code moves
 // the cursor by its length, a rejected one by `moved` (default nothing), the offset left in 0..7.
-// Cases, written from the shared tables:
+// Cases, written from the code tables:
 // - every H.263 header code and the prefixes that start no code (MCBPC: type in bits 0..2, Cb coded
 //   in bit 5, Cr in bit 4, the INTER4V+Q codes rejected), and the quantizer update in its three
 //   forms from every prior quantizer (Annex T);

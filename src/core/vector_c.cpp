@@ -1,31 +1,31 @@
-// Reference kernels of the vector helpers, written plainly from their definitions.
-#include "core/vector_kernels.h"
-
+// Portable kernels of the vector helpers, written plainly from their definitions.
 #include "common/arith.h"
+#include "common/kernel.h"
+#include "core/vector_dsp.h"
 
-namespace kvt {
+namespace kvt::KVT_C_NS {
 
-KvtStatus set_8u_ref(uint8_t val, uint8_t* dst, int len) {
+namespace {
+
+KvtStatus set_8u(uint8_t val, uint8_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = val;
     return kvtStsOk;
 }
 
-KvtStatus set_16s_ref(int16_t val, int16_t* dst, int len) {
+KvtStatus set_16s(int16_t val, int16_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = val;
     return kvtStsOk;
 }
 
-KvtStatus zero_16s_ref(int16_t* dst, int len) {
+KvtStatus zero_16s(int16_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = 0;
     return kvtStsOk;
 }
 
-KvtStatus copy_8u_ref(const uint8_t* src, uint8_t* dst, int len) {
+KvtStatus copy_8u(const uint8_t* src, uint8_t* dst, int len) {
     for (int i = 0; i < len; ++i) dst[i] = src[i];
     return kvtStsOk;
 }
-
-namespace {
 
 // One element of x * v / 2^s; the product of two 16-bit values is exact in 32 bits.
 int16_t mulc_one(int16_t x, int16_t v, int s) {
@@ -41,36 +41,49 @@ int16_t mulc_one(int16_t x, int16_t v, int s) {
     return (x < 0) == (v < 0) ? 32767 : -32768;
 }
 
-}  // namespace
-
-KvtStatus mulc_16s_sfs_ref(int16_t val, int16_t* srcdst, int len, int scale) {
-    if (val == 0 || scale > 30) return zero_16s_ref(srcdst, len);
+KvtStatus mulc_16s_sfs(int16_t val, int16_t* srcdst, int len, int scale) {
+    if (val == 0 || scale > 30) return zero_16s(srcdst, len);
     if (scale == 0 && val == 1) return kvtStsOk;
     for (int i = 0; i < len; ++i) srcdst[i] = mulc_one(srcdst[i], val, scale);
     return kvtStsOk;
 }
 
-KvtStatus threshold_lt_16s_ref(int16_t* srcdst, int len, int16_t level) {
+KvtStatus threshold_lt_16s(int16_t* srcdst, int len, int16_t level) {
     for (int i = 0; i < len; ++i)
         if (srcdst[i] < level) srcdst[i] = level;
     return kvtStsOk;
 }
 
-KvtStatus threshold_gt_16s_ref(int16_t* srcdst, int len, int16_t level) {
+KvtStatus threshold_gt_16s(int16_t* srcdst, int len, int16_t level) {
     for (int i = 0; i < len; ++i)
         if (srcdst[i] > level) srcdst[i] = level;
     return kvtStsOk;
 }
 
-KvtStatus set_8u_c1r_ref(uint8_t val, uint8_t* dst, int step, int width, int height) {
-    for (int y = 0; y < height; ++y, dst += step) set_8u_ref(val, dst, width);
+KvtStatus set_8u_c1r(uint8_t val, uint8_t* dst, int step, int width, int height) {
+    for (int y = 0; y < height; ++y, dst += step) set_8u(val, dst, width);
     return kvtStsOk;
 }
 
-uint32_t count_zeros_8x8_16s_ref(const int16_t* src) {
+KvtStatus count_zeros_8x8(const int16_t* src, uint32_t* count) {
     uint32_t n = 0;
     for (int i = 0; i < 64; ++i) n += src[i] == 0;
-    return n;
+    *count = n;
+    return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_vector(VectorDsp& d) {
+    d.set_8u = set_8u;
+    d.set_16s = set_16s;
+    d.zero_16s = zero_16s;
+    d.copy_8u = copy_8u;
+    d.mulc_16s_sfs = mulc_16s_sfs;
+    d.threshold_lt_16s = threshold_lt_16s;
+    d.threshold_gt_16s = threshold_gt_16s;
+    d.set_8u_c1r = set_8u_c1r;
+    d.count_zeros_8x8 = count_zeros_8x8;
+}
+
+}  // namespace kvt::KVT_C_NS
