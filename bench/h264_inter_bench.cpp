@@ -39,13 +39,12 @@ void luma_rows(int w, int h) {
     for (int pos = 0; pos < 16; ++pos) {
         const std::string args = std::to_string(w) + "x" + std::to_string(h) + " mc" +
                                  std::to_string(pos / 4) + std::to_string(pos % 4);
-        const int wc = width_class(w);
         add_kernel<InterpDsp>(
             "kvtiInterpolateLuma_H264", args, init_interp_dsp, ref::init_interp,
-            [wc, pos](const InterpDsp& d) { return (const void*)d.luma[wc][pos]; },
-            [wc, pos, h](const InterpDsp& d, benchmark::State& st) {
+            [w, h, pos](const InterpDsp& d) { return (const void*)luma_kernel(d, w, h, pos); },
+            [w, h, pos](const InterpDsp& d, benchmark::State& st) {
                 const Frame& f = frame();
-                const auto k = d.luma[wc][pos];
+                const auto k = luma_kernel(d, w, h, pos);
                 for (auto _ : st) {
                     k(f.src(), kStep, f.dst(), kStep, h);
                     benchmark::ClobberMemory();

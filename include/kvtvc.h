@@ -559,7 +559,8 @@ KVTAPI KvtStatus kvtiEncodeChromaDcCoeffsCAVLC_H264_16s(const Kvt16s* pSrc, Kvt8
  *  - pThresholds: tc0 (H.264 Table 8-17 for the segment's bS and indexA) of every segment, luma 16
  *    entries pThresholds[4 * edge + segment]; chroma 8 entries, chroma edge 0 then chroma edge 4 (tc is
  *    tc0 + 1 there). Entries of segments with bS 0 or 4 are not read.
- * Luma reads 4 samples before edge 0 and writes 3, chroma reads 2 and writes 1; the step is not checked.
+ * Luma reads 4 samples before edge 0 and changes 3, chroma reads 2 and changes 1 (the vertical-edge forms
+ * store the others back unchanged); the step is not checked.
  * A null pointer returns -8; nothing else is checked. */
 KVTAPI KvtStatus kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
                                                                const Kvt8u* pAlpha, const Kvt8u* pBeta,

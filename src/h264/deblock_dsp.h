@@ -29,10 +29,10 @@ void init_deblock(DeblockDsp& d);
 namespace sse2 {
 void init_deblock(DeblockDsp& d);
 }
-namespace ssse3 {
+namespace avx2 {
 void init_deblock(DeblockDsp& d);
 }
-namespace avx2 {
+namespace avx512 {
 void init_deblock(DeblockDsp& d);
 }
 

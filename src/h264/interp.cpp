@@ -21,7 +21,9 @@ KvtStatus kvtiInterpolateLuma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt
     if (srcStep < w || dstStep < w) return kvtStsBadStep;
     if (!in(dx, 0, 3) || !in(dy, 0, 3)) return kvtStsBadArgument;
     if (!power_of_two_in(w, 4, 16) || !power_of_two_in(h, 4, 16) || w + h == 20) return kvtStsBadSize;
-    return dsp.luma[width_class(w)][dx * 4 + dy](pSrc, srcStep, pDst, dstStep, h);
+    const int wc = width_class(w), pos = dx * 4 + dy;
+    if (pos == 0) return dsp.copy[wc][width_class(h)](pSrc, srcStep, pDst, dstStep, h);
+    return dsp.luma[wc][pos](pSrc, srcStep, pDst, dstStep, h);
 }
 
 // 2, 4 and 8 in both directions except 2x8 and 8x2; the steps are checked against 8 whatever the

@@ -3,6 +3,6 @@
 
 namespace kvt::avx2 {
 
-void init_interp(InterpDsp& d) { fill_luma<16>(d.luma[2]); }
+void init_interp(InterpDsp& d) { fill_luma<16>(d.luma[2], d.copy[2]); }
 
 }  // namespace kvt::avx2

@@ -63,16 +63,18 @@ KvtStatus chroma(const uint8_t* src, int32_t src_step, uint8_t* dst, int32_t dst
 }
 
 template <int W>
-void fill_luma(LumaInterpFn (&slots)[16]) {
+void fill_luma(LumaInterpFn (&slots)[16], LumaInterpFn (&copies)[3]) {
     fill_slots(slots, [](auto pos) { return luma<W, decltype(pos)::value>; });
+    slots[0] = nullptr;
+    copies[0] = copies[1] = copies[2] = luma<W, 0>;
 }
 
 }  // namespace
 
 void init_interp(InterpDsp& d) {
-    fill_luma<4>(d.luma[0]);
-    fill_luma<8>(d.luma[1]);
-    fill_luma<16>(d.luma[2]);
+    fill_luma<4>(d.luma[0], d.copy[0]);
+    fill_luma<8>(d.luma[1], d.copy[1]);
+    fill_luma<16>(d.luma[2], d.copy[2]);
     d.chroma[0] = chroma<2>;
     d.chroma[1] = chroma<4>;
     d.chroma[2] = chroma<8>;

@@ -19,10 +19,18 @@ using ChromaInterpFn = KvtStatus (*)(const uint8_t* src, int32_t src_step, uint8
 // Block widths 4, 8, 16 (luma) and 2, 4, 8 (chroma) index the tables through width_class().
 constexpr int width_class(int width) { return width >> 3; }
 
+// Position 0 (a copy) has a slot per height, so that its rows unroll completely: copy[][] (the
+// height argument repeats the slot's height); luma[][0] is not used.
 struct InterpDsp {
     LumaInterpFn luma[3][16];  // [width_class][dx * 4 + dy]
+    LumaInterpFn copy[3][3];   // [width_class][width_class(height)]
     ChromaInterpFn chroma[3];  // [width_class(2 * width)]
 };
+
+// The kernel of a luma position for a block size (position 0: the copy of that height).
+inline LumaInterpFn luma_kernel(const InterpDsp& d, int width, int height, int pos) {
+    return pos ? d.luma[width_class(width)][pos] : d.copy[width_class(width)][width_class(height)];
+}
 
 namespace c {
 void init_interp(InterpDsp& d);

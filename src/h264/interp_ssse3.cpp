@@ -5,9 +5,9 @@
 namespace kvt::ssse3 {
 
 void init_interp(InterpDsp& d) {
-    fill_luma<4>(d.luma[0]);
-    fill_luma<8>(d.luma[1]);
-    fill_luma<16>(d.luma[2]);
+    fill_luma<4>(d.luma[0], d.copy[0]);
+    fill_luma<8>(d.luma[1], d.copy[1]);
+    fill_luma<16>(d.luma[2], d.copy[2]);
     d.chroma[1] = chroma<4>;
     d.chroma[2] = chroma<8>;
 }

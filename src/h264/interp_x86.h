@@ -265,32 +265,51 @@ inline KvtStatus by_pairs(uint8_t* dst, intptr_t ds, int height, Make make) {
     return kvtStsOk;
 }
 
-// Six-row windows of a column of rows, moved two rows at a time: w[0..6] are rows y - 2 .. y + 4.
+// Six-row windows of a column of rows, moved two rows at a time: r0..r6 are rows y - 2 .. y + 4
+// (named members, not an array, so that the compiler keeps them in registers).
 template <int W, class Load>
 struct Window {
     Load load;  // load(row) -> Row<W>
-    Row<W> w[7];
-    explicit Window(Load l) : load(l) {
-        for (int i = 0; i < 5; ++i) w[i] = load(i - 2);
-    }
-    // Rows y + 3 and y + 4 come in; then w[0..5] serve row y, w[1..6] row y + 1.
-    void fill(int y) { w[5] = load(y + 3), w[6] = load(y + 4); }
-    void advance() {
-        for (int i = 0; i < 5; ++i) w[i] = w[i + 2];
+    Row<W> r0, r1, r2, r3, r4, r5, r6;
+    explicit Window(Load l) : load(l), r0(l(-2)), r1(l(-1)), r2(l(0)), r3(l(1)), r4(l(2)) {}
+    // Rows y + 3 and y + 4 come in; then r0..r5 serve row y, r1..r6 row y + 1.
+    void fill(int y) { r5 = load(y + 3), r6 = load(y + 4); }
+    void advance() { r0 = r2, r1 = r3, r2 = r4, r3 = r5, r4 = r6; }
+    template <class F>
+    Row<W> upper(F f) const {
+        return f(r0, r1, r2, r3, r4, r5);
     }
     template <class F>
-    Row<W> at(int first, F f) const {
-        return f(w[first], w[first + 1], w[first + 2], w[first + 3], w[first + 4], w[first + 5]);
+    Row<W> lower(F f) const {
+        return f(r1, r2, r3, r4, r5, r6);
     }
+    // Row y (k = 0) or y + 1 (k = 1), and the one after it.
+    const Row<W>& row(int k) const { return k ? r3 : r2; }
+    const Row<W>& next(int k) const { return k ? r4 : r3; }
 };
 template <int W, class Load>
 Window<W, Load> window(Load l) {
     return Window<W, Load>(l);
 }
 
-template <int W>
-KvtStatus copy(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int height) {
-    return by_pairs<W>(dst, ds, height, [&](int y) { return load_pair<W>(src + intptr_t(y) * ss, ss); });
+// Whole rows, a kernel per height. 16-byte rows: four loads ahead of their stores, in a loop
+// whose rows are addressed from two pointers (unrolled, the compiler steps one pointer row by row,
+// a chain of additions through the whole copy). Narrower rows: unrolled through general registers.
+template <int W, int H>
+KvtStatus copy(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int) {
+    const intptr_t s = ss, d = ds;
+    if constexpr (W == 16) {
+#pragma GCC unroll 1
+        for (int y = 0; y < H; y += 4, src += 4 * s, dst += 4 * d) {
+            const uint8_t* src2 = src + 2 * s;
+            uint8_t* dst2 = dst + 2 * d;
+            const __m128i a = load16(src), b = load16(src + s), c = load16(src2), e = load16(src2 + s);
+            store16(dst, a), store16(dst + d, b), store16(dst2, c), store16(dst2 + d, e);
+        }
+    } else {
+        for (int y = 0; y < H; ++y) std::memcpy(dst + y * d, src + y * s, W);
+    }
+    return kvtStsOk;
 }
 
 // b, and b averaged with the integer sample on its left (dx 1) or right (dx 3).
@@ -309,8 +328,8 @@ KvtStatus vertical(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int
     auto rows = window<W>([=](int y) { return load_row<W>(src + intptr_t(y) * ss); });
     return by_pairs<W>(dst, ds, height, [&](int y) {
         rows.fill(y);
-        const Pair<W> h = pack(rounded<5>(rows.at(0, six_tap<W>)), rounded<5>(rows.at(1, six_tap<W>)));
-        const Pair<W> g = pack(rows.w[2 + dy / 2], rows.w[3 + dy / 2]);
+        const Pair<W> h = pack(rounded<5>(rows.upper(six_tap<W>)), rounded<5>(rows.lower(six_tap<W>)));
+        const Pair<W> g = pack(rows.row(dy / 2), rows.next(dy / 2));
         rows.advance();
         return dy == 2 ? h : avg(h, g);
     });
@@ -323,7 +342,7 @@ KvtStatus diagonal(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int
     return by_pairs<W>(dst, ds, height, [&](int y) {
         const uint8_t* p = src + intptr_t(y + dy / 2) * ss;
         rows.fill(y);
-        const Pair<W> h = pack(rounded<5>(rows.at(0, six_tap<W>)), rounded<5>(rows.at(1, six_tap<W>)));
+        const Pair<W> h = pack(rounded<5>(rows.upper(six_tap<W>)), rounded<5>(rows.lower(six_tap<W>)));
         rows.advance();
         return avg(pack(rounded<5>(hsum<W>(p)), rounded<5>(hsum<W>(p + ss))), h);
     });
@@ -336,8 +355,8 @@ KvtStatus centre_column(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds
     auto sums = window<W>([=](int y) { return hsum<W>(src + intptr_t(y) * ss); });
     return by_pairs<W>(dst, ds, height, [&](int y) {
         sums.fill(y);
-        const Pair<W> j = pack(sums.at(0, centre<W>), sums.at(1, centre<W>));
-        const Pair<W> b = pack(rounded<5>(sums.w[2 + dy / 2]), rounded<5>(sums.w[3 + dy / 2]));
+        const Pair<W> j = pack(sums.upper(centre<W>), sums.lower(centre<W>));
+        const Pair<W> b = pack(rounded<5>(sums.row(dy / 2)), rounded<5>(sums.next(dy / 2)));
         sums.advance();
         return dy == 2 ? j : avg(j, b);
     });
@@ -371,6 +390,26 @@ KvtStatus centre_row(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, i
 
 // ---- Chroma ---------------------------------------------------------------------------------------
 
+#if defined(__SSSE3__)
+// Byte pairs of chroma weights for the sample pairs (p[x], p[x+1]) of the row above (ab) and the
+// row below (cd), for the 64 positions dy * 8 + dx: loaded, not computed, per call.
+struct alignas(16) ChromaWeights {
+    int8_t ab[16], cd[16];
+};
+struct ChromaWeightTable {
+    ChromaWeights w[64];
+    constexpr ChromaWeightTable() : w() {
+        for (int pos = 0; pos < 64; ++pos)
+            for (int i = 0; i < 16; i += 2) {
+                const int dx = pos % 8, dy = pos / 8;
+                w[pos].ab[i] = int8_t((8 - dx) * (8 - dy)), w[pos].ab[i + 1] = int8_t(dx * (8 - dy));
+                w[pos].cd[i] = int8_t((8 - dx) * dy), w[pos].cd[i + 1] = int8_t(dx * dy);
+            }
+    }
+};
+constexpr ChromaWeightTable kChromaWeights{};
+#endif
+
 // One source row's part in the bilinear blend, for W = 4 or 8 outputs (16-bit lanes): with the
 // row below it (weights a, b) and with the row above it (c, d).
 struct Bilinear {
@@ -378,10 +417,10 @@ struct Bilinear {
         __m128i upper, lower;
     };
 #if defined(__SSSE3__)
-    __m128i ab, cd;  // byte pairs of weights for the pairs (p[x], p[x+1])
+    __m128i ab, cd;
     Bilinear(int dx, int dy)
-        : ab(_mm_set1_epi16(int16_t((dx * (8 - dy)) << 8 | (8 - dx) * (8 - dy)))),
-          cd(_mm_set1_epi16(int16_t((dx * dy) << 8 | (8 - dx) * dy))) {}
+        : ab(_mm_load_si128(reinterpret_cast<const __m128i*>(kChromaWeights.w[dy * 8 + dx].ab))),
+          cd(_mm_load_si128(reinterpret_cast<const __m128i*>(kChromaWeights.w[dy * 8 + dx].cd))) {}
     template <int W>
     Terms terms(const uint8_t* p) const {
         const __m128i pairs =
@@ -422,8 +461,8 @@ KvtStatus chroma(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int d
 
 // The sixteen positions of one width, position dx * 4 + dy.
 template <int W>
-void fill_luma(LumaInterpFn (&slots)[16]) {
-    slots[0] = copy<W>;
+void fill_luma(LumaInterpFn (&slots)[16], LumaInterpFn (&copies)[3]) {
+    copies[0] = copy<W, 4>, copies[1] = copy<W, 8>, copies[2] = copy<W, 16>;
     slots[1] = vertical<W, 1>, slots[2] = vertical<W, 2>, slots[3] = vertical<W, 3>;
     slots[4] = horizontal<W, 1>, slots[8] = horizontal<W, 2>, slots[12] = horizontal<W, 3>;
     slots[5] = diagonal<W, 1, 1>, slots[7] = diagonal<W, 1, 3>, slots[13] = diagonal<W, 3, 1>;

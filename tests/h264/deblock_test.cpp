@@ -205,7 +205,7 @@ TEST(H264Deblocking, TiersMatchTheOracle) {
                     rng.fill(a.tc0, 16, 0, 255), rng.fill(a.alpha, 2, 0, 255), rng.fill(a.beta, 2, 0, 255);
                 MbArea area(rng, k.vertical, k.chroma);
                 (d.*k.slot)(area.origin(), area.step(), a.alpha, a.beta, a.tc0, a.bs);
-                out.add(std::string(k.name), area.snapshot(k.vertical, k.chroma));
+                out.items.emplace_back(k.name, area.snapshot(k.vertical, k.chroma));
             }
         });
 }

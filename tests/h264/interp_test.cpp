@@ -155,7 +155,7 @@ TEST(H264Interpolation, LumaTiersAtExtremeCentreSums) {
                         RefArea src(rng, z.w, z.h, 2 + phase, 3, {kStripes, pattern, 0});
                         uint8_t* g = &src.at(-phase, -phase);  // shift the pattern under the block
                         std::vector<uint8_t> out(size_t(z.w * z.h));
-                        d.luma[width_class(z.w)][pos](g, src.step(), out.data(), z.w, z.h);
+                        luma_kernel(d, z.w, z.h, pos)(g, src.step(), out.data(), z.w, z.h);
                         for (int i = 0; i < z.w * z.h; ++i)
                             ASSERT_EQ(anchor_luma(g + ptrdiff_t(i / z.w) * src.step() + i % z.w, src.step(),
                                                   pos / 4, pos % 4),
@@ -172,7 +172,7 @@ TEST(H264Interpolation, LumaTiersMatchTheOracle) {
                 for (int pos = 0; pos < 16; ++pos) {
                     RefArea src(rng, z.w, z.h, 2, 3, Picture::any(rng));
                     Dest dst(rng, z.w, z.h);
-                    d.luma[width_class(z.w)][pos](src.origin(), src.step(), dst.data(), dst.step(), z.h);
+                    luma_kernel(d, z.w, z.h, pos)(src.origin(), src.step(), dst.data(), dst.step(), z.h);
                     out.add_buffer("luma " + std::to_string(z.w) + "x" + std::to_string(z.h) + " pos " +
                                        std::to_string(pos),
                                    dst.plane);
