@@ -53,15 +53,19 @@ const uint8_t* RefLuma::at(int x, int y, int w, int h, Mv mv) {
     if (!k) return whole_->at(x, y);
     Plane& p = half_[k - 1];
     const int dx = k == 2 ? 0 : 2, dy = k == 1 ? 0 : 2;
-    for (int ty = (y + margin_) / 16; ty <= (y + h - 1 + margin_) / 16; ++ty)
-        for (int tx = (x + margin_) / 16; tx <= (x + w - 1 + margin_) / 16; ++tx) {
-            uint8_t& done = done_[k - 1][static_cast<size_t>(ty) * tiles_x_ + tx];
-            if (done) continue;
+    // Tile coordinates count from the reachable area's corner, so they are never negative.
+    const int tx0 = (x + margin_) >> 4, tx1 = (x + w - 1 + margin_) >> 4;
+    const int ty0 = (y + margin_) >> 4, ty1 = (y + h - 1 + margin_) >> 4;
+    for (int ty = ty0; ty <= ty1; ++ty) {
+        uint8_t* done = &done_[k - 1][static_cast<size_t>(ty) * tiles_x_];
+        for (int tx = tx0; tx <= tx1; ++tx) {
+            if (done[tx]) continue;
             const int px = 16 * tx - margin_, py = 16 * ty - margin_;
-            kvtiInterpolateLuma_H264_8u_C1R(whole_->at(px, py), whole_->stride(), p.at(px, py), p.stride(),
-                                            dx, dy, KvtRegionSize{16, 16});
-            done = 1;
+            kvtiInterpolateLuma_H264_8u_C1R(whole_->at(px, py), whole_->stride(), p.at(px, py), p.stride(), dx, dy,
+                                            KvtRegionSize{16, 16});
+            done[tx] = 1;
         }
+    }
     return p.at(x, y);
 }
 
