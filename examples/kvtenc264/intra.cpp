@@ -55,9 +55,12 @@ Kvt32s sad16(const Block& b) {
     return sad;
 }
 
-// Codes the sixteen 4x4 blocks with the cheapest mode each; returns the summed cost or -1 on a
-// level overflow.
-int code_intra4x4(FrameState& fs, int mbx, int mby, int qp, int lambda, MbCode& code) {
+constexpr int kOverflow = -1;
+
+// Codes the sixteen 4x4 blocks with the cheapest mode each; returns the summed cost, kOverflow on
+// a level overflow, or a cost above limit as soon as the sum passes it (the blocks are then only
+// partly coded).
+int code_intra4x4(FrameState& fs, int mbx, int mby, int qp, int lambda, MbCode& code, int limit) {
     MbInfo& info = fs.mb(mbx, mby);
     info.type = MbType::I4x4;
     const Neighbours nb = fs.neighbours(mbx, mby);
@@ -78,8 +81,9 @@ int code_intra4x4(FrameState& fs, int mbx, int mby, int qp, int lambda, MbCode& 
         }
         kvtiPredictIntra_4x4_H264_8u_C1IR(b.rec, b.rec_step, best_mode, avail);
         info.i4_mode[r] = code.i4_mode[r] = static_cast<int8_t>(best_mode);
-        if (!code_luma4x4(b, qp, code.luma[r], &info.nnz[r])) return -1;
+        if (!code_luma4x4(b, qp, code.luma[r], &info.nnz[r])) return kOverflow;
         total += best_cost;
+        if (total > limit) return total;
     }
     code.cbp_luma = 0;
     for (int r = 0; r < 16; ++r)
@@ -128,11 +132,12 @@ bool code_intra_mb(FrameState& fs, int mbx, int mby, int qp, int lambda, MbCode&
     code.qp = qp;
     int cost16 = 0;
     const int mode16 = best_intra16x16(fs, mbx, mby, lambda, &cost16);
-    const int cost4 = code_intra4x4(fs, mbx, mby, qp, lambda, code);
-    const Block luma = fs.block(0, 16 * mbx, 16 * mby);
-    bool use16 = cost4 < 0 || cost16 <= cost4 + 6 * lambda;
+    // Intra4x4 is given up once its cost passes what would make Intra16x16 the choice.
+    const int limit = cost16 - 6 * lambda;
+    const int cost4 = code_intra4x4(fs, mbx, mby, qp, lambda, code, limit);
+    bool use16 = cost4 == kOverflow || cost4 >= limit;
     if (use16) {
-        MbInfo saved = info;
+        const Block luma = fs.block(0, 16 * mbx, 16 * mby);
         MbCode as16 = code;
         info = MbInfo{};
         info.type = MbType::I16x16;
@@ -141,11 +146,11 @@ bool code_intra_mb(FrameState& fs, int mbx, int mby, int qp, int lambda, MbCode&
         kvtiPredictIntra_16x16_H264_8u_C1IR(luma.rec, luma.rec_step, mode16, mb_availability(mbx, mby));
         if (code_luma16x16(luma, qp, as16, info)) {
             code = as16;
-        } else {
-            if (cost4 < 0) return false;
+        } else {  // back to Intra4x4, coded in full
+            if (cost4 == kOverflow) return false;
             use16 = false;
-            info = saved;
-            code_intra4x4(fs, mbx, mby, qp, lambda, code);  // rebuild the 4x4 reconstruction
+            info = MbInfo{};
+            if (code_intra4x4(fs, mbx, mby, qp, lambda, code, 1 << 30) == kOverflow) return false;
         }
     }
     code.type = use16 ? MbType::I16x16 : MbType::I4x4;
