@@ -1,5 +1,6 @@
 // Most-significant-bit-first writer for an H.264 RBSP, with the Exp-Golomb codes of H.264 9.1.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -15,9 +16,11 @@ public:
         if (pending_ >= 32) {  // at most 63 bits wait in the accumulator
             pending_ -= 32;
             const uint32_t w = static_cast<uint32_t>(acc_ >> pending_);
-            const uint8_t b[4] = {static_cast<uint8_t>(w >> 24), static_cast<uint8_t>(w >> 16),
-                                  static_cast<uint8_t>(w >> 8), static_cast<uint8_t>(w)};
-            bytes_.insert(bytes_.end(), b, b + 4);
+            if (size_ + 4 > bytes_.size()) bytes_.resize(2 * bytes_.size() + 4096);
+            uint8_t* b = bytes_.data() + size_;
+            b[0] = static_cast<uint8_t>(w >> 24), b[1] = static_cast<uint8_t>(w >> 16);
+            b[2] = static_cast<uint8_t>(w >> 8), b[3] = static_cast<uint8_t>(w);
+            size_ += 4;
         }
     }
     void flag(bool b) { put(b ? 1 : 0, 1); }
@@ -36,14 +39,16 @@ public:
     void trailing() {
         put(1, 1);
         if (pending_ % 8) put(0, 8 - pending_ % 8);
+        bytes_.resize(size_);
         for (; pending_ > 0; pending_ -= 8) bytes_.push_back(static_cast<uint8_t>(acc_ >> (pending_ - 8)));
+        size_ = bytes_.size();
     }
     // The finished bytes; call after trailing().
     const std::vector<uint8_t>& bytes() const { return bytes_; }
-    void clear() { bytes_.clear(), acc_ = 0, pending_ = 0; }
 
 private:
-    std::vector<uint8_t> bytes_;
+    std::vector<uint8_t> bytes_;  // the first size_ bytes are written
+    size_t size_ = 0;
     uint64_t acc_ = 0;
     int pending_ = 0;
 };

@@ -53,25 +53,32 @@ void deblock_mb(FrameState& fs, int mbx, int mby) {
         const bool has_neighbour = dir == 0 ? mbx > 0 : mby > 0;
         const MbInfo& p = has_neighbour ? (dir == 0 ? fs.mb(mbx - 1, mby) : fs.mb(mbx, mby - 1)) : q;
         EdgeParams l, c;
-        for (int edge = 0; edge < 4; ++edge)
+        bool luma_edges = false, chroma_edges = false;
+        for (int edge = has_neighbour ? 0 : 1; edge < 4; ++edge)
             for (int s = 0; s < 4; ++s) {
                 // Block q on the edge's far side, block p before it (in the neighbour for edge 0).
                 const int bq = dir == 0 ? edge + 4 * s : s + 4 * edge;
                 const int bp = dir == 0 ? (edge ? bq - 1 : 3 + 4 * s) : (edge ? bq - 4 : s + 12);
-                if (edge == 0 && !has_neighbour) continue;
-                l.bs[4 * edge + s] =
-                    static_cast<Kvt8u>(boundary_strength(edge ? q : p, bp, q, bq, edge == 0));
+                const int bs = boundary_strength(edge ? q : p, bp, q, bq, edge == 0);
+                l.bs[4 * edge + s] = static_cast<Kvt8u>(bs);
+                luma_edges |= bs != 0;
+                chroma_edges |= bs != 0 && edge % 2 == 0;  // chroma edges lie on luma edges 0 and 2
             }
+        if (!luma_edges) continue;
         set_thresholds(l, (p.qp + q.qp + 1) >> 1, q.qp);
         set_chroma_thresholds(l, c, (chroma_qp(p.qp) + cq + 1) >> 1, cq);
         if (dir == 0) {
             kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR(luma, ls, l.alpha, l.beta, l.tc0, l.bs);
-            kvtiFilterDeblockingChroma_VerEdge_H264_8u_C1IR(cb, cs, c.alpha, c.beta, c.tc0, c.bs);
-            kvtiFilterDeblockingChroma_VerEdge_H264_8u_C1IR(cr, cs, c.alpha, c.beta, c.tc0, c.bs);
+            if (chroma_edges) {
+                kvtiFilterDeblockingChroma_VerEdge_H264_8u_C1IR(cb, cs, c.alpha, c.beta, c.tc0, c.bs);
+                kvtiFilterDeblockingChroma_VerEdge_H264_8u_C1IR(cr, cs, c.alpha, c.beta, c.tc0, c.bs);
+            }
         } else {
             kvtiFilterDeblockingLuma_HorEdge_H264_8u_C1IR(luma, ls, l.alpha, l.beta, l.tc0, l.bs);
-            kvtiFilterDeblockingChroma_HorEdge_H264_8u_C1IR(cb, cs, c.alpha, c.beta, c.tc0, c.bs);
-            kvtiFilterDeblockingChroma_HorEdge_H264_8u_C1IR(cr, cs, c.alpha, c.beta, c.tc0, c.bs);
+            if (chroma_edges) {
+                kvtiFilterDeblockingChroma_HorEdge_H264_8u_C1IR(cb, cs, c.alpha, c.beta, c.tc0, c.bs);
+                kvtiFilterDeblockingChroma_HorEdge_H264_8u_C1IR(cr, cs, c.alpha, c.beta, c.tc0, c.bs);
+            }
         }
     }
 }

@@ -61,8 +61,8 @@ const uint8_t* RefLuma::at(int x, int y, int w, int h, Mv mv) {
         for (int tx = tx0; tx <= tx1; ++tx) {
             if (done[tx]) continue;
             const int px = 16 * tx - margin_, py = 16 * ty - margin_;
-            kvtiInterpolateLuma_H264_8u_C1R(whole_->at(px, py), whole_->stride(), p.at(px, py), p.stride(), dx, dy,
-                                            KvtRegionSize{16, 16});
+            kvtiInterpolateLuma_H264_8u_C1R(whole_->at(px, py), whole_->stride(), p.at(px, py), p.stride(),
+                                            dx, dy, KvtRegionSize{16, 16});
             done[tx] = 1;
         }
     }
