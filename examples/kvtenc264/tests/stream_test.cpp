@@ -6,43 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "bit_reader.h"
 #include "bitwriter.h"
 #include "params.h"
 #include "picture.h"
 #include "yuv_io.h"
 
 namespace {
-
-// Exp-Golomb reader over an RBSP (independent of the encoder's writer).
-class Reader {
-public:
-    explicit Reader(std::vector<uint8_t> b) : b_(std::move(b)) {}
-    uint32_t u(int n) {
-        uint32_t v = 0;
-        for (; n > 0; --n, ++pos_) v = v << 1 | (b_.at(pos_ / 8) >> (7 - pos_ % 8) & 1);
-        return v;
-    }
-    uint32_t ue() {
-        int zeros = 0;
-        while (!u(1)) ++zeros;
-        return (1u << zeros) - 1 + u(zeros);
-    }
-    int se() {
-        const uint32_t k = ue();
-        return k & 1 ? static_cast<int>((k + 1) / 2) : -static_cast<int>(k / 2);
-    }
-    // rbsp_trailing_bits: a one and zeros to the end.
-    bool at_trailing_bits() {
-        if (u(1) != 1) return false;
-        while (pos_ % 8)
-            if (u(1)) return false;
-        return pos_ == b_.size() * 8;
-    }
-
-private:
-    std::vector<uint8_t> b_;
-    size_t pos_ = 0;
-};
 
 struct Sps {
     int profile, constraints, level, log2_max_frame_num, poc_type, refs, width_mbs, height_mbs;
@@ -51,7 +21,7 @@ struct Sps {
 };
 
 Sps read_sps(const std::vector<uint8_t>& rbsp) {
-    Reader r(rbsp);
+    BitReader r(rbsp);
     Sps s{};
     s.profile = r.u(8), s.constraints = r.u(8), s.level = r.u(8);
     EXPECT_EQ(r.ue(), 0u) << "seq_parameter_set_id";
@@ -93,7 +63,7 @@ TEST(Kvtenc264Stream, SequenceParameterSetCropsToTheVisibleSize) {
 }
 
 TEST(Kvtenc264Stream, PictureParameterSet) {
-    Reader r(enc264::pps_rbsp());
+    BitReader r(enc264::pps_rbsp());
     EXPECT_EQ(r.ue(), 0u);  // pic_parameter_set_id
     EXPECT_EQ(r.ue(), 0u);  // seq_parameter_set_id
     EXPECT_EQ(r.u(1), 0u) << "CAVLC";
@@ -117,7 +87,7 @@ TEST(Kvtenc264Stream, SliceHeaders) {
             enc264::BitWriter bw;
             enc264::write_slice_header(bw, s);
             bw.trailing();
-            Reader r(bw.bytes());
+            BitReader r(bw.bytes());
             EXPECT_EQ(r.ue(), 0u) << "first_mb_in_slice";
             EXPECT_EQ(r.ue(), idr ? 7u : 5u) << "slice_type";
             EXPECT_EQ(r.ue(), 0u);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "bit_reader.h"
 #include "bitwriter.h"
 #include "cavlc.h"
 #include "checkasm.h"
@@ -18,37 +19,6 @@ namespace {
 
 using enc264::BitWriter;
 using kvt::test::Rng;
-
-class BitReader {
-public:
-    explicit BitReader(const std::vector<uint8_t>& b) : b_(b) {}
-    int bit() {
-        EXPECT_LT(pos_ / 8, b_.size()) << "read past the end";
-        if (pos_ / 8 >= b_.size()) return 0;
-        const int v = b_[pos_ / 8] >> (7 - pos_ % 8) & 1;
-        ++pos_;
-        return v;
-    }
-    uint32_t bits(int n) {
-        uint32_t v = 0;
-        while (n--) v = v << 1 | bit();
-        return v;
-    }
-    uint32_t ue() {
-        int zeros = 0;
-        while (!bit()) ++zeros;
-        return (1u << zeros) - 1 + bits(zeros);
-    }
-    int32_t se() {
-        const uint32_t k = ue();
-        return k & 1 ? static_cast<int32_t>((k + 1) / 2) : -static_cast<int32_t>(k / 2);
-    }
-    size_t pos() const { return pos_; }
-
-private:
-    const std::vector<uint8_t>& b_;
-    size_t pos_ = 0;
-};
 
 // A prefix code read bit by bit: code string -> value.
 using Code = std::map<std::string, int>;
@@ -96,7 +66,7 @@ std::vector<int> decode_block(BitReader& r, const CavlcTables& t, int nc, int ma
         while (!r.bit()) ++prefix;
         int code = (std::min(15, prefix) << suffix_length);
         const int size = prefix == 14 && suffix_length == 0 ? 4 : prefix >= 15 ? prefix - 3 : suffix_length;
-        if (size) code += static_cast<int>(r.bits(size));
+        if (size) code += static_cast<int>(r.u(size));
         if (prefix >= 15 && suffix_length == 0) code += 15;
         if (prefix >= 16) code += (1 << (prefix - 3)) - 4096;
         if (i == ones && ones < 3) code += 2;
@@ -152,11 +122,12 @@ TEST(Kvtenc264Syntax, ExpGolombCodesReadBack) {
     BitReader r(bw.bytes());
     for (uint32_t v : u) EXPECT_EQ(r.ue(), v);
     for (int32_t v : s) EXPECT_EQ(r.se(), v);
-    EXPECT_EQ(r.bit(), 1) << "stop bit";
-    EXPECT_EQ(r.pos() % 8 == 0 ? 0u : r.bits(8 - r.pos() % 8), 0u) << "alignment zeros";
-    EXPECT_EQ(r.pos(), bw.bytes().size() * 8);
-    for (uint32_t v : {0u, 1u, 2u, 6u, 7u, 254u, 255u})
-        EXPECT_EQ(enc264::ue_bits(v), 2 * (31 - __builtin_clz(v + 1)) + 1);
+    EXPECT_TRUE(r.at_trailing_bits());
+    // Code lengths of H.264 Table 9-2 (ue) and 9-3 (se), which the rate estimates use.
+    const int ue_lengths[][2] = {{0, 1}, {1, 3}, {2, 3}, {3, 5}, {6, 5}, {7, 7}, {254, 15}, {255, 17}};
+    for (const auto& l : ue_lengths) EXPECT_EQ(enc264::ue_bits(l[0]), l[1]) << "ue " << l[0];
+    const int se_lengths[][2] = {{0, 1}, {1, 3}, {-1, 3}, {2, 5}, {-2, 5}, {4, 7}, {-4, 7}, {128, 17}};
+    for (const auto& l : se_lengths) EXPECT_EQ(enc264::se_bits(l[0]), l[1]) << "se " << l[0];
 }
 
 TEST(Kvtenc264Syntax, EmulationPreventionKeepsStartCodesOut) {
