@@ -199,7 +199,7 @@ TEST(H264Transform, EdgeCases) {
 }
 
 // The smallest transformed luma DC value whose level at QP qp is `level` (0 when out of reach).
-int luma_dc_for_level(int qp, int level) {
+static int luma_dc_for_level(int qp, int level) {
     for (int t = 0; t < 32768; ++t)
         if (((t * kMF[qp % 6][0] + (1 << (16 + qp / 6)) / 3) >> (16 + qp / 6)) == level) return t;
     return 0;
