@@ -758,8 +758,8 @@ KVTAPI KvtStatus kvtiOBMCHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt
  * standard computes wider than 16 bits are stored truncated to 16 bits; the sums of the inverse
  * transforms wrap at 16 bits, and their final (x + 32) >> 6 is exact. The forward quantizers store
  * the levels, then (unless a level exceeds 2063: -13) the count of nonzero levels, negated when
- * the level at raster position 0 is nonzero, and the largest pScanMatrix entry over the nonzero
- * levels masked to 7 bits (0 when all levels are zero). */
+ * the level at raster position 0 is nonzero, and the largest pScanMatrix entry with the entries of
+ * zero levels taken as 0, masked to 7 bits (0 when all levels are zero). */
 
 /* 4x4 luma, modes 0..8 (-11); step >= 4 (-14). A missing neighbour is taken as 128 and the call
  * returns 11; a missing upper right repeats U[3] without the warning. */

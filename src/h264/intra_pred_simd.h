@@ -232,10 +232,18 @@ inline void store32(uint8_t* p, __m128i v) {
 template <unsigned uses>
 __m128i raw_edge(const uint8_t* p, int step, unsigned avail) {
     const uint8_t* above = p - step;
-    int u = 0, ur = 0, left = 0, m = 0;
-    if (uses & kNbUpper) u = avail & kNbUpper ? int(load32(above)) : int(0x80808080u);
-    if (uses & kNbUpperRight)
-        ur = avail & kNbUpperRight ? int(load32(above + 4)) : int(0x01010101u * (uint32_t(u) >> 24));
+    constexpr unsigned whole_row = kNbUpper | kNbUpperRight;
+    __m128i upper = _mm_setzero_si128();
+    if ((uses & whole_row) == whole_row && (avail & whole_row) == whole_row) {
+        upper = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(above));
+    } else if (uses & kNbUpper) {
+        const uint32_t u = avail & kNbUpper ? load32(above) : 0x80808080u;
+        const uint32_t ur = !(uses & kNbUpperRight) ? 0
+                            : avail & kNbUpperRight ? load32(above + 4)
+                                                    : 0x01010101u * (u >> 24);
+        upper = _mm_unpacklo_epi32(_mm_cvtsi32_si128(int(u)), _mm_cvtsi32_si128(int(ur)));
+    }
+    int left = 0, m = 0;
     if (uses & kNbLeft) {
         left = int(0x80808080u);
         if (avail & kNbLeft)
@@ -243,8 +251,8 @@ __m128i raw_edge(const uint8_t* p, int step, unsigned avail) {
                    p[3 * intptr_t(step) - 1] << 24;
     }
     if (uses & kNbCorner) m = avail & kNbCorner ? above[-1] : 128;
-    const __m128i upper = _mm_unpacklo_epi32(_mm_cvtsi32_si128(u), _mm_cvtsi32_si128(ur));
-    return _mm_unpacklo_epi64(upper, _mm_unpacklo_epi32(_mm_cvtsi32_si128(left), _mm_cvtsi32_si128(m)));
+    const __m128i lm = _mm_unpacklo_epi32(_mm_cvtsi32_si128(left), _mm_cvtsi32_si128(m));
+    return _mm_unpacklo_epi64(upper, lm);
 }
 
 // Mode 3..8: the neighbours it reads, the A2 and A3 windows, and for each sample (raster order)

@@ -7,7 +7,6 @@ namespace kvt {
 void init_quant_dsp(QuantDsp& d, unsigned flags) {
     c::init_quant(d);
     KVT_IF_TIER(flags, sse2, init_quant(d));
-    KVT_IF_TIER(flags, ssse3, init_quant(d));
 }
 
 }  // namespace kvt

@@ -30,9 +30,6 @@ void init_quant(QuantDsp& d);
 namespace sse2 {
 void init_quant(QuantDsp& d);
 }
-namespace ssse3 {
-void init_quant(QuantDsp& d);
-}
 
 void init_quant_dsp(QuantDsp& d, unsigned cpu_flags);
 

@@ -51,7 +51,7 @@ static inline void hadamard(T* v, int s) {
 template <class T>
 static inline void hadamard2x2(T* v) {
     const T a = v[0], b = v[1], c = v[2], d = v[3];
-    v[0] = a + b + c + d, v[1] = a - b + c - d, v[2] = a + b - c - d, v[3] = a - b - c + d;
+    v[0] = T(a + b + c + d), v[1] = T(a - b + c - d), v[2] = T(a + b - c - d), v[3] = T(a - b - c + d);
 }
 
 // (x + 32) >> 6 of a 16-bit value, exactly.

@@ -1,8 +1,8 @@
-// The vector H.264 decoder-side transform kernels, compiled once per tier file (transform_sse2.cpp,
-// _ssse3, _avx2): the residual kernels (dequantization by one 16-bit multiply per 8 coefficients,
-// both 1-D passes in 16-bit lanes), the DC-only additions, the Intra16x16 DC Hadamard and the
-// forward transform of a prediction. The SP/SI and chroma DC paths stay portable.
-// Include only from a tier file, inside its tier namespace.
+// The vector H.264 decoder-side transform kernels, compiled once per tier file (transform_sse2.cpp;
+// transform_ssse3.cpp, where the rounding takes one multiply): the residual kernels (dequantization
+// by one 16-bit multiply per 8 coefficients, both 1-D passes in 16-bit lanes), the DC-only
+// additions, the Intra16x16 DC Hadamard and the forward transform of a prediction. The SP/SI and
+// chroma DC paths stay portable. Include only from a tier file (the kernels have internal linkage).
 #pragma once
 
 #include "h264/tables.h"
@@ -13,14 +13,14 @@ namespace {
 
 using namespace kvt::h264x4;
 
-const uint8_t* at(const void* p, int step, int y) {
+inline const uint8_t* at(const void* p, int step, int y) {
     return static_cast<const uint8_t*>(p) + intptr_t(y) * step;
 }
-uint8_t* at(void* p, int step, int y) { return static_cast<uint8_t*>(p) + intptr_t(y) * step; }
+inline uint8_t* at(void* p, int step, int y) { return static_cast<uint8_t*>(p) + intptr_t(y) * step; }
 
 // Dequantizes rows 0|1 in a and 2|3 in b (the DC as the caller's value when dc is given), inverse-
 // transforms rows then columns and rounds: rows 0|1 of the residual in a, rows 3|2 in b.
-void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const int16_t* factors) {
+inline void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const int16_t* factors) {
     a = _mm_mullo_epi16(a, load16(factors));
     b = _mm_mullo_epi16(b, load16(factors + 8));
     if (dc) a = _mm_insert_epi16(a, *dc, 0);
@@ -32,7 +32,7 @@ void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const int16_t*
     a = round6(a), b = round6(b);
 }
 
-KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
+inline KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
     const auto row = [&](int y) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at(c, step, y))); };
     const auto put = [&](int y, __m128i v) {
         _mm_storel_epi64(reinterpret_cast<__m128i*>(at(c, step, y)), v);
@@ -44,19 +44,19 @@ KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t* facto
 }
 
 // The residual of the DC coefficient (the caller's, or the level times its factor).
-int dc_residual(const int16_t* c, const int16_t* dc, const int16_t* factors) {
+inline int dc_residual(const int16_t* c, const int16_t* dc, const int16_t* factors) {
     const int16_t d = dc ? *dc : int16_t(c[0] * factors[0]);
     return (d + 32) >> 6;
 }
 
-KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
+inline KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
     const __m128i r = _mm_set1_epi16(int16_t(dc_residual(c, dc, factors)));
     for (int y = 0; y < 4; ++y) _mm_storel_epi64(reinterpret_cast<__m128i*>(at(c, step, y)), r);
     return kvtStsOk;
 }
 
-KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
-                       int pred_step, uint8_t* dst, int dst_step) {
+inline KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
+                              int pred_step, uint8_t* dst, int dst_step) {
     __m128i a = load16(c), b = load16(c + 8);
     dequant_transform(a, b, dc, factors);
     store16(c, a), store16(c + 8, swap_halves(b));
@@ -69,8 +69,8 @@ KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, co
 // Saturating byte adds of the residual's positive and negative parts (each packed with unsigned
 // saturation): the clamp of prediction + residual, the residual limited as ClampTbl needs. The
 // block is not written.
-KvtStatus residual_dc_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
-                          int pred_step, uint8_t* dst, int dst_step) {
+inline KvtStatus residual_dc_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
+                                 int pred_step, uint8_t* dst, int dst_step) {
     const __m128i r = _mm_shufflelo_epi16(_mm_cvtsi32_si128(dc_residual(c, dc, factors)), 0);
     const __m128i up = _mm_packus_epi16(r, r),
                   down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
@@ -81,7 +81,7 @@ KvtStatus residual_dc_add(int16_t* c, const int16_t* dc, const int16_t* factors,
 
 // Intra16x16 luma DC: Hadamard in 16-bit lanes, then v * 2^(QP/6 - 2) as a 16-bit product for QP
 // >= 12, or (f * v + 2^(s-1)) >> s (s = 2 below QP 6, 1 below QP 12) in 32-bit lanes, truncated.
-KvtStatus luma_dc(int16_t* c, int qp) {
+inline KvtStatus luma_dc(int16_t* c, int qp) {
     __m128i a = load16(c), b = load16(c + 8);
     transpose(a, b);
     hadamard(a, b);
@@ -106,7 +106,7 @@ KvtStatus luma_dc(int16_t* c, int qp) {
     return kvtStsOk;
 }
 
-KvtStatus transform_prediction(const uint8_t* src, int step, int16_t* dst) {
+inline KvtStatus transform_prediction(const uint8_t* src, int step, int16_t* dst) {
     __m128i a = widen_rows(src, at(src, step, 1)), b = widen_rows(at(src, step, 2), at(src, step, 3));
     transpose(a, b);
     forward_core(a, b);
@@ -116,7 +116,7 @@ KvtStatus transform_prediction(const uint8_t* src, int step, int16_t* dst) {
     return kvtStsOk;
 }
 
-void fill_transform(kvt::TransformDsp& d) {
+inline void fill_transform(kvt::TransformDsp& d) {
     d.luma_dc = luma_dc;
     d.residual = residual;
     d.residual_dc = residual_dc;
