@@ -1,8 +1,9 @@
-// The H.264 luma interpolation kernels for x86, written once over a row type and compiled by each
-// tier file with its own target flags (interp_sse2.cpp, interp_ssse3.cpp, interp_avx2.cpp): the
-// instruction set of the file picks the primitives (SSSE3: byte multiply-add for the six-tap
-// filter and the rounding multiply; AVX2: a 16-sample row in one register). Everything here has
-// internal linkage, so no tier's code can stand in for another's at link time.
+// The H.264 interpolation kernels for x86 (the six luma position families and the chroma blend),
+// written once over a row type and compiled by each tier file with its own target flags
+// (interp_sse2.cpp, interp_ssse3.cpp, interp_avx2.cpp): the instruction set of the file picks the
+// primitives (SSSE3: byte multiply-add for the six-tap filter and the rounding multiply; AVX2: a
+// 16-sample row in one register). Everything here has internal linkage, so no tier's code can
+// stand in for another's at link time.
 //
 // A row of W samples is held as 16-bit lanes (Row<W>); blocks are produced two rows at a time
 // (Pair<W>, the packed bytes of both rows). Reads stay inside the area the interface allows: two
