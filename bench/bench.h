@@ -17,7 +17,8 @@ namespace kvt::bench {
 
 using Body = std::function<void(benchmark::State&)>;
 
-// Registers column `column` of row (function, args). Rows print in registration order.
+// Registers column `column` of row (function, args): a baseline such as memset, or "front" for
+// the exported function itself. Rows print in registration order.
 void add_column(const std::string& function, const std::string& args, const std::string& column, Body body);
 // Names the tier the library uses for a row (marked in the table).
 void set_used(const std::string& function, const std::string& args, const std::string& tier);
@@ -51,10 +52,6 @@ void add_kernel(const std::string& function, const std::string& args, void (*ini
         if (k == slot(best)) set_used(function, args, tier.name);
     }
 }
-
-// Legacy form: the oracle beside the exported function (column "front"), and a baseline.
-int add_row(const std::string& name, Body ref, Body front, const std::string& baseline_name = {},
-            Body baseline = {});
 
 }  // namespace kvt::bench
 

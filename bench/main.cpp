@@ -68,13 +68,6 @@ void set_used(const std::string& function, const std::string& args, const std::s
     registry().row(function, args).used = tier;
 }
 
-int add_row(const std::string& name, Body ref, Body front, const std::string& baseline_name, Body baseline) {
-    add_column(name, "", "ref", ref);
-    if (front) add_column(name, "", "front", front), set_used(name, "", "front");
-    if (baseline) add_column(name, "", baseline_name, baseline);
-    return 0;
-}
-
 namespace {
 
 // Collects the medians quietly; --raw also prints Google Benchmark's own lines.

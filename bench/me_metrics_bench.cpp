@@ -1,15 +1,12 @@
-// Block metrics of motion estimation: reference kernels against the exported functions (whose
-// SIMD column includes the front's checks and dispatch).
+// Block metrics of motion estimation: the oracle and every tier of the SAD and metric tables.
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "bench.h"
 #include "kvtvc.h"
-#include "me/edges_kernels.h"
+#include "me/me_dsp.h"
 #include "me/sad_dsp.h"
-#include "me/sqrdiff_kernels.h"
-#include "me/variance_kernels.h"
 
 using namespace kvt;
 using namespace kvt::bench;
@@ -103,116 +100,98 @@ void sad_rows() {
                }));
 }
 
-// Rows of the functions that take a phase, for phase code t.
-template <int t>
+// One row of the other metrics: call(kernel, frame) is one call, its result kept alive.
+template <class Slot, class Call>
+void me_row(const std::string& fn, const std::string& args, Slot slot, Call call) {
+    add_kernel<MeDsp>(
+        fn, args, init_me_dsp, ref::init_me, [slot](const MeDsp& d) { return (const void*)slot(d); },
+        [slot, call](const MeDsp& d, benchmark::State& st) {
+            const Frame& f = frame();
+            const auto k = slot(d);
+            for (auto _ : st) benchmark::DoNotOptimize(call(k, f));
+        });
+}
+
+// Rows of the functions that take a phase; the bidirectional squared difference against the
+// opposite backward phase.
 void phase_rows() {
-    const int ph = t >> 2;
-    const std::string p = std::string("/") + kPhase[ph];
-    constexpr int tb = 12 - t;
-    add_row("kvtiSqrDiff16x16_8u32s" + p, timed([](const Frame& f) {
+    for (int ph = 0; ph < 4; ++ph) {
+        const std::string p = std::string("phase ") + kPhase[ph];
+        me_row(
+            "kvtiSqrDiff16x16_8u32s", p, [ph](const MeDsp& d) { return d.sqrdiff16[ph]; },
+            [](auto k, const Frame& f) {
                 int32_t s;
-                sqrdiff_16x16_ref<t>(f.cur(), kStep, f.ref(), kStep, &s);
+                k(f.cur(), kStep, f.ref(), kStep, &s);
                 return s;
-            }),
-            timed([](const Frame& f) {
-                Kvt32s s;
-                kvtiSqrDiff16x16_8u32s(f.cur(), kStep, f.ref(), kStep, t, &s);
-                return s;
-            }));
-    add_row("kvtiSqrDiff16x16B_8u32s" + p + "-" + kPhase[3 - ph], timed([](const Frame& f) {
+            });
+        const int pair = ph + 4 * (3 - ph);
+        me_row(
+            "kvtiSqrDiff16x16B_8u32s", "fwd " + std::string(kPhase[ph]) + " bwd " + kPhase[3 - ph],
+            [pair](const MeDsp& d) { return d.sqrdiff16b[pair]; },
+            [](auto k, const Frame& f) {
                 int32_t s;
-                sqrdiff_16x16b_ref<t, tb>(f.cur(), kStep, f.ref(), kStep, f.ref2(), kStep, &s);
+                k(f.cur(), kStep, f.ref(), kStep, f.ref2(), kStep, &s);
                 return s;
-            }),
-            timed([](const Frame& f) {
-                Kvt32s s;
-                kvtiSqrDiff16x16B_8u32s(f.cur(), kStep, f.ref(), kStep, t, f.ref2(), kStep, tb, &s);
-                return s;
-            }));
-    add_row("kvtiVarMeanDiff16x16_8u32s_C1R" + p, timed([](const Frame& f) {
+            });
+        me_row(
+            "kvtiVarMeanDiff16x16_8u32s_C1R", p, [ph](const MeDsp& d) { return d.varmeandiff16x16[ph]; },
+            [](auto k, const Frame& f) {
                 int32_t v[4], m[4];
                 const int32_t sums[4] = {8000, 8000, 8000, 8000};
-                varmeandiff_16x16_ref<t>(f.cur(), kStep, f.ref(), kStep, sums, v, m);
+                k(f.cur(), kStep, f.ref(), kStep, sums, v, m);
                 return v[0] + m[3];
-            }),
-            timed([](const Frame& f) {
-                Kvt32s v[4], m[4];
-                const Kvt32s sums[4] = {8000, 8000, 8000, 8000};
-                kvtiVarMeanDiff16x16_8u32s_C1R(f.cur(), kStep, f.ref(), kStep, sums, v, m, t);
-                return v[0] + m[3];
-            }));
-    add_row("kvtiVarMeanDiff16x8_8u32s_C1R" + p, timed([](const Frame& f) {
+            });
+        me_row(
+            "kvtiVarMeanDiff16x8_8u32s_C1R", p, [ph](const MeDsp& d) { return d.varmeandiff16x8[ph]; },
+            [](auto k, const Frame& f) {
                 int32_t v[2], m[2];
                 const int32_t sums[2] = {8000, 8000};
-                varmeandiff_16x8_ref<t>(f.cur(), kStep, f.ref(), kStep, sums, v, m);
+                k(f.cur(), kStep, f.ref(), kStep, sums, v, m);
                 return v[0] + m[1];
-            }),
-            timed([](const Frame& f) {
-                Kvt32s v[2], m[2];
-                const Kvt32s sums[2] = {8000, 8000};
-                kvtiVarMeanDiff16x8_8u32s_C1R(f.cur(), kStep, f.ref(), kStep, sums, v, m, t);
-                return v[0] + m[1];
-            }));
+            });
+    }
 }
 
 }  // namespace
 
 KVT_BENCH_ROWS {
     sad_rows();
-    phase_rows<0>();
-    phase_rows<4>();
-    phase_rows<8>();
-    phase_rows<12>();
-    add_row("kvtiVariance16x16_8u32s", timed([](const Frame& f) {
-                int32_t v;
-                variance_16x16_ref(f.cur(), kStep, &v);
-                return v;
-            }),
-            timed([](const Frame& f) {
-                Kvt32s v;
-                kvtiVariance16x16_8u32s(f.cur(), kStep, &v);
-                return v;
-            }));
-    add_row("kvtiVarMean8x8_8u32s_C1R", timed([](const Frame& f) {
-                int32_t v, m;
-                varmean_8x8_8u_ref(f.cur(), kStep, &v, &m);
-                return v + m;
-            }),
-            timed([](const Frame& f) {
-                Kvt32s v, m;
-                kvtiVarMean8x8_8u32s_C1R(f.cur(), kStep, &v, &m);
-                return v + m;
-            }));
-    add_row("kvtiVarMean8x8_16s32s_C1R", timed([](const Frame& f) {
-                int32_t v, m;
-                varmean_8x8_16s_ref(reinterpret_cast<const int16_t*>(f.base), kStep, &v, &m);
-                return v + m;
-            }),
-            timed([](const Frame& f) {
-                Kvt32s v, m;
-                kvtiVarMean8x8_16s32s_C1R(reinterpret_cast<const Kvt16s*>(f.base), kStep, &v, &m);
-                return v + m;
-            }));
-    add_row("kvtiMeanAbsDev16x16_8u32s_C1R", timed([](const Frame& f) {
-                int32_t d;
-                mean_abs_dev_16x16_ref(f.cur(), kStep, &d);
-                return d;
-            }),
-            timed([](const Frame& f) {
-                Kvt32s d;
-                kvtiMeanAbsDev16x16_8u32s_C1R(f.cur(), kStep, &d);
-                return d;
-            }));
+    phase_rows();
+    me_row(
+        "kvtiVariance16x16_8u32s", "", [](const MeDsp& d) { return d.variance16; },
+        [](auto k, const Frame& f) {
+            int32_t v;
+            k(f.cur(), kStep, &v);
+            return v;
+        });
+    me_row(
+        "kvtiVarMean8x8_8u32s_C1R", "", [](const MeDsp& d) { return d.varmean8x8; },
+        [](auto k, const Frame& f) {
+            int32_t v, m;
+            k(f.cur(), kStep, &v, &m);
+            return v + m;
+        });
+    me_row(
+        "kvtiVarMean8x8_16s32s_C1R", "", [](const MeDsp& d) { return d.varmean8x8_16s; },
+        [](auto k, const Frame& f) {
+            int32_t v, m;
+            k(reinterpret_cast<const int16_t*>(f.base), kStep, &v, &m);
+            return v + m;
+        });
+    me_row(
+        "kvtiMeanAbsDev16x16_8u32s_C1R", "", [](const MeDsp& d) { return d.mean_abs_dev16; },
+        [](auto k, const Frame& f) {
+            int32_t v;
+            k(f.cur(), kStep, &v);
+            return v;
+        });
     // Thresholds that keep the count below 225 make the detector visit all fifteen rows.
-    add_row("kvtiEdgesDetect16x16_8u_C1R/all-rows", timed([](const Frame& f) {
-                uint8_t flag;
-                edges_16x16_ref(f.cur(), kStep, 100, 0, &flag);
-                return flag;
-            }),
-            timed([](const Frame& f) {
-                Kvt8u flag;
-                kvtiEdgesDetect16x16_8u_C1R(f.cur(), kStep, 100, 0, &flag);
-                return flag;
-            }));
+    me_row(
+        "kvtiEdgesDetect16x16_8u_C1R", "all 15 rows", [](const MeDsp& d) { return d.edges16; },
+        [](auto k, const Frame& f) {
+            uint8_t flag;
+            k(f.cur(), kStep, 100, 0, &flag);
+            return flag;
+        });
     return 0;
 }

@@ -1,10 +1,10 @@
-// Residual family: reference kernel against the public function (which runs the SIMD twin).
+// Residual family: the oracle and every tier of the residual slots of the metric table.
 #include <string>
 #include <vector>
 
 #include "bench.h"
 #include "kvtvc.h"
-#include "me/residual_kernels.h"
+#include "me/me_dsp.h"
 
 using namespace kvt;
 using namespace kvt::bench;
@@ -24,92 +24,76 @@ struct Frame {
     const uint8_t* ref() const { return storage.data() + 64 + 18 * kStep + 3; }
 };
 
-template <class Op>
-Body timed(Op op) {
-    return [op](benchmark::State& state) {
-        Frame f;
-        for (auto _ : state) {
-            op(f);
-            benchmark::DoNotOptimize(f.diff.data());
-            benchmark::ClobberMemory();
-        }
-    };
+constexpr const char* kPhase[] = {"ff", "fh", "hf", "hh"};
+constexpr const char* kSize[] = {"16x16", "16x8", "8x16", "8x8", "8x4"};
+constexpr int kStep = Frame::kStep;
+
+// One row: call(kernel, frame) is one call writing into the frame's residual.
+template <class Slot, class Call>
+void residual_row(const std::string& fn, const std::string& args, Slot slot, Call call) {
+    add_kernel<MeDsp>(
+        fn, args, init_me_dsp, ref::init_me, [slot](const MeDsp& d) { return (const void*)slot(d); },
+        [slot, call](const MeDsp& d, benchmark::State& st) {
+            Frame f;
+            const auto k = slot(d);
+            for (auto _ : st) {
+                call(k, f);
+                benchmark::DoNotOptimize(f.diff.data());
+                benchmark::ClobberMemory();
+            }
+        });
 }
 
-constexpr const char* kPhase[] = {"ff", "fh", "hf", "hh"};
-
-using GetDiffFn = decltype(&kvtiGetDiff16x16_8u16s_C1);
-using GetDiffBFn = decltype(&kvtiGetDiff16x16B_8u16s_C1);
-
-void add_size(const std::string& size, const GetDiffTable& ref, GetDiffFn fn, const GetDiffBTable& ref_b,
-              GetDiffBFn fn_b) {
-    const int s = Frame::kStep;
-    for (int type = 0; type <= 12; type += 4) {
-        const std::string name = "kvtiGetDiff" + size + "_8u16s_C1/" + kPhase[type / 4];
-        const GetDiffKernel k = ref[size_t(get_diff_index(type, false))];
-        add_row(name, timed([=](Frame& f) { k(f.cur(), s, f.ref(), s, f.diff.data(), 32, nullptr, 0, 0); }),
-                timed([=](Frame& f) { fn(f.cur(), s, f.ref(), s, f.diff.data(), 32, nullptr, 0, type, 0); }));
-    }
-    const GetDiffKernel kp = ref[size_t(get_diff_index(12, true))];
-    add_row(
-        "kvtiGetDiff" + size + "_8u16s_C1/hh+pred",
-        timed([=](Frame& f) { kp(f.cur(), s, f.ref(), s, f.diff.data(), 32, f.pred.data(), 32, 1); }),
-        timed([=](Frame& f) { fn(f.cur(), s, f.ref(), s, f.diff.data(), 32, f.pred.data(), 32, 12, 1); }));
-    for (int type : {0, 12}) {
-        const std::string name = "kvtiGetDiff" + size + "B_8u16s_C1/" + kPhase[type / 4] + kPhase[type / 4];
-        const GetDiffBKernel k = ref_b[size_t(get_diff_b_index(type, type))];
-        add_row(name,
-                timed([=](Frame& f) { k(f.cur(), s, f.ref(), s, f.cur() + 1, s, f.diff.data(), 32, 0); }),
-                timed([=](Frame& f) {
-                    fn_b(f.cur(), s, f.ref(), s, type, f.cur() + 1, s, type, f.diff.data(), 32, 0);
-                }));
-    }
+void size_rows(int z) {
+    const std::string fn = std::string("kvtiGetDiff") + kSize[z] + "_8u16s_C1";
+    const auto diff_only = [](auto k, Frame& f) {
+        k(f.cur(), kStep, f.ref(), kStep, f.diff.data(), 32, nullptr, 0, 0);
+    };
+    for (int ph = 0; ph < 4; ++ph)
+        residual_row(
+            fn, std::string("phase ") + kPhase[ph], [z, ph](const MeDsp& d) { return d.get_diff[z][2 * ph]; },
+            diff_only);
+    residual_row(
+        fn, "phase hh, rounding 1, with prediction", [z](const MeDsp& d) { return d.get_diff[z][7]; },
+        [](auto k, Frame& f) { k(f.cur(), kStep, f.ref(), kStep, f.diff.data(), 32, f.pred.data(), 32, 1); });
+    const std::string fn_b = std::string("kvtiGetDiff") + kSize[z] + "B_8u16s_C1";
+    for (int ph : {0, 3})
+        residual_row(
+            fn_b, std::string("fwd ") + kPhase[ph] + " bwd " + kPhase[ph],
+            [z, ph](const MeDsp& d) { return d.get_diff_b[z][5 * ph]; },
+            [](auto k, Frame& f) {
+                k(f.cur(), kStep, f.ref(), kStep, f.cur() + 1, kStep, f.diff.data(), 32, 0);
+            });
 }
 
 }  // namespace
 
 KVT_BENCH_ROWS {
-    add_size("16x16", get_diff_16x16_ref, kvtiGetDiff16x16_8u16s_C1, get_diff_b_16x16_ref,
-             kvtiGetDiff16x16B_8u16s_C1);
-    add_size("16x8", get_diff_16x8_ref, kvtiGetDiff16x8_8u16s_C1, get_diff_b_16x8_ref,
-             kvtiGetDiff16x8B_8u16s_C1);
-    add_size("8x16", get_diff_8x16_ref, kvtiGetDiff8x16_8u16s_C1, get_diff_b_8x16_ref,
-             kvtiGetDiff8x16B_8u16s_C1);
-    add_size("8x8", get_diff_8x8_ref, kvtiGetDiff8x8_8u16s_C1, get_diff_b_8x8_ref, kvtiGetDiff8x8B_8u16s_C1);
-    add_size("8x4", get_diff_8x4_ref, kvtiGetDiff8x4_8u16s_C1, get_diff_b_8x4_ref, kvtiGetDiff8x4B_8u16s_C1);
-    const int s = Frame::kStep;
-    add_row("kvtiGetDiff4x4_8u16s_C1",
-            timed([=](Frame& f) { kvtiGetDiff4x4_8u16s_C1(f.cur(), s, f.ref(), s, f.diff.data(), 8); }), {});
+    for (int z = 0; z < kResidualSizes; ++z) size_rows(z);
+    residual_row(
+        "kvtiGetDiff4x4_8u16s_C1", "", [](const MeDsp& d) { return d.get_diff4x4; },
+        [](auto k, Frame& f) { k(f.cur(), kStep, f.ref(), kStep, f.diff.data(), 8); });
     for (bool tiles : {false, true}) {
-        const std::string suffix = tiles ? "/tiles" : "/sums";
-        add_row("kvtiSumsDiff16x16Blocks4x4_8u16s_C1" + suffix, timed([=](Frame& f) {
-                    sums_diff_16x16_ref(f.cur(), s, f.ref(), s, f.pred.data(),
-                                        tiles ? f.diff.data() : nullptr);
-                }),
-                timed([=](Frame& f) {
-                    kvtiSumsDiff16x16Blocks4x4_8u16s_C1(f.cur(), s, f.ref(), s, f.pred.data(),
-                                                        tiles ? f.diff.data() : nullptr);
-                }));
-        add_row("kvtiSumsDiff8x8Blocks4x4_8u16s_C1" + suffix, timed([=](Frame& f) {
-                    sums_diff_8x8_ref(f.cur(), s, f.ref(), s, f.pred.data(), tiles ? f.diff.data() : nullptr);
-                }),
-                timed([=](Frame& f) {
-                    kvtiSumsDiff8x8Blocks4x4_8u16s_C1(f.cur(), s, f.ref(), s, f.pred.data(),
-                                                      tiles ? f.diff.data() : nullptr);
-                }));
+        const char* args = tiles ? "sums and residual tiles" : "sums only";
+        residual_row(
+            "kvtiSumsDiff16x16Blocks4x4_8u16s_C1", args, [](const MeDsp& d) { return d.sums_diff16x16; },
+            [tiles](auto k, Frame& f) {
+                k(f.cur(), kStep, f.ref(), kStep, f.pred.data(), tiles ? f.diff.data() : nullptr);
+            });
+        residual_row(
+            "kvtiSumsDiff8x8Blocks4x4_8u16s_C1", args, [](const MeDsp& d) { return d.sums_diff8x8; },
+            [tiles](auto k, Frame& f) {
+                k(f.cur(), kStep, f.ref(), kStep, f.pred.data(), tiles ? f.diff.data() : nullptr);
+            });
     }
-    add_row("kvtiComputeTextureErrorBlock_SAD_8u16s", timed([=](Frame& f) {
-                int32_t sad;
-                texture_error_ref(f.cur(), s, f.ref(), f.diff.data(), &sad);
-                benchmark::DoNotOptimize(sad);
-            }),
-            timed([=](Frame& f) {
-                Kvt32s sad;
-                kvtiComputeTextureErrorBlock_SAD_8u16s(f.cur(), s, f.ref(), f.diff.data(), &sad);
-                benchmark::DoNotOptimize(sad);
-            }));
-    add_row("kvtiComputeTextureErrorBlock_8u16s",
-            timed([=](Frame& f) { texture_error_ref(f.cur(), s, f.ref(), f.diff.data(), nullptr); }),
-            timed([=](Frame& f) { kvtiComputeTextureErrorBlock_8u16s(f.cur(), s, f.ref(), f.diff.data()); }));
+    for (bool sad : {true, false})
+        residual_row(
+            sad ? "kvtiComputeTextureErrorBlock_SAD_8u16s" : "kvtiComputeTextureErrorBlock_8u16s", "",
+            [](const MeDsp& d) { return d.texture_error; },
+            [sad](auto k, Frame& f) {
+                int32_t s = 0;
+                k(f.cur(), kStep, f.ref(), f.diff.data(), sad ? &s : nullptr);
+                benchmark::DoNotOptimize(s);
+            });
     return 0;
 }

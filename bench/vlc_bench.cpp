@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "bench.h"
-#include "bitstream/vlc_kernels.h"
+#include "bitstream/vlc_dsp.h"
 #include "kvtvc.h"
 
 using namespace kvt;
@@ -148,30 +148,31 @@ Body build(std::vector<int32_t> widths, bool run_level) {
     };
 }
 
-template <class Fill>
-Body fill_words(int n, Fill fill) {
-    return [n, fill](benchmark::State& state) {
-        std::vector<int32_t> words(size_t(n) + 8);
-        for (auto _ : state) {
-            fill(0x00F0F101u, words.data() + 1, n);
-            benchmark::ClobberMemory();
-        }
-    };
-}
-
 }  // namespace
 
 KVT_BENCH_ROWS {
-    add_row("kvtiVCHuffmanDecodeOne_1u32s/B14/plain/12", decode_rate({12}, false), {});
-    add_row("kvtiVCHuffmanDecodeOne_1u32s/B14/plain/9+8", decode_rate({9, 8}, false), {});
-    add_row("kvtiVCHuffmanDecodeOne_1u32s/B14/RL/17", decode_rate({17}, true), {});
-    add_row("kvtiVCHuffmanDecodeOne_1u32s/B14/RL/9+8", decode_rate({9, 8}, true), {});
-    add_row("kvtiVCHuffmanInitAlloc_32s/B14/9+8", build({9, 8}, false), {});
-    add_row("kvtiVCHuffmanInitAllocRL_32s/B14/9+8", build({9, 8}, true), {});
-#if KVT_HAVE_SSE2
+    // Whole-call figures of the exported functions (the decoder has no kernel table).
+    add_column("kvtiVCHuffmanDecodeOne_1u32s", "MPEG-2 B.14, plain, one 12-bit level", "front",
+               decode_rate({12}, false));
+    add_column("kvtiVCHuffmanDecodeOne_1u32s", "MPEG-2 B.14, plain, levels 9+8", "front",
+               decode_rate({9, 8}, false));
+    add_column("kvtiVCHuffmanDecodeOne_1u32s", "MPEG-2 B.14, run/level, one 17-bit level", "front",
+               decode_rate({17}, true));
+    add_column("kvtiVCHuffmanDecodeOne_1u32s", "MPEG-2 B.14, run/level, levels 9+8", "front",
+               decode_rate({9, 8}, true));
+    add_column("kvtiVCHuffmanInitAlloc_32s", "MPEG-2 B.14, levels 9+8", "front", build({9, 8}, false));
+    add_column("kvtiVCHuffmanInitAllocRL_32s", "MPEG-2 B.14, levels 9+8", "front", build({9, 8}, true));
+    // The builder's word fill: a replicated leaf, a plain table, a run/level table.
     for (int n : {64, 16384, 262144})
-        add_row("vlc fill_32s/" + std::to_string(n), fill_words(n, fill_32s_ref),
-                fill_words(n, fill_32s_sse2));
-#endif
+        add_kernel<VlcDsp>(
+            "VCHuffman table fill (internal)", std::to_string(n) + " words", init_vlc_dsp, ref::init_vlc,
+            [](const VlcDsp& d) { return (const void*)d.fill_32s; },
+            [n](const VlcDsp& d, benchmark::State& st) {
+                std::vector<int32_t> words(size_t(n) + 8);
+                for (auto _ : st) {
+                    d.fill_32s(0x00F0F101u, words.data() + 1, n);
+                    benchmark::ClobberMemory();
+                }
+            });
     return 0;
 }

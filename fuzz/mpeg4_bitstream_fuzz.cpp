@@ -39,23 +39,35 @@ KvtStatus run(int op, Kvt8u** pp, int* off, State& s, bool* partial) {
     Kvt8u v = 0;
     *partial = false;
     switch (op) {
-        case 0: return kvtiDecodeMCBPCIntra_H263(pp, off, &v);
-        case 1: return kvtiDecodeMCBPCInter_H263(pp, off, &v);
-        case 2: return kvtiDecodeMODB_H263(pp, off, &v);
-        case 3: return kvtiDecodeCBPY_H263(pp, off, &v);
-        case 4: return kvtiUpdateQuant_MQ_H263_1u32s_I(pp, off, &s.quant);
-        case 5: return kvtiDecodeMV_H263(pp, off, &s.left[1], &s.upper[2], &s.upper_right[2], &s.cur[0]);
-        case 6: return kvtiDecodeMV_TopBorder_H263(pp, off, &s.left[1], &s.cur[0]);
+        case 0:
+            return kvtiDecodeMCBPCIntra_H263(pp, off, &v);
+        case 1:
+            return kvtiDecodeMCBPCInter_H263(pp, off, &v);
+        case 2:
+            return kvtiDecodeMODB_H263(pp, off, &v);
+        case 3:
+            return kvtiDecodeCBPY_H263(pp, off, &v);
+        case 4:
+            return kvtiUpdateQuant_MQ_H263_1u32s_I(pp, off, &s.quant);
+        case 5:
+            return kvtiDecodeMV_H263(pp, off, &s.left[1], &s.upper[2], &s.upper_right[2], &s.cur[0]);
+        case 6:
+            return kvtiDecodeMV_TopBorder_H263(pp, off, &s.left[1], &s.cur[0]);
         case 7:
         case 8:
             *partial = true;
             std::memcpy(s.left, s.cur, sizeof s.cur);
             return kvtiDecodePadMV_PVOP_MPEG4(pp, off, s.left, s.upper, s.upper_right, s.cur, &s.valid[0],
                                               &s.valid[1], &s.valid[2], s.present, s.fcode, op == 7 ? 2 : 0);
-        case 9: return kvtiDecodeMV_BVOP_Forward_MPEG4(pp, off, &s.fwd[0], s.fcode);
-        case 10: return kvtiDecodeMV_BVOP_Backward_MPEG4(pp, off, &s.bwd[0], s.fcode);
-        case 11: *partial = true; return kvtiDecodeMV_BVOP_Interpolate_MPEG4(pp, off, &s.fwd[1], &s.bwd[1], s.fcode, 8 - s.fcode);
-        case 12: return kvtiDecodeMV_BVOP_Direct_MPEG4(pp, off, s.cur, s.fwd, s.bwd, &s.colocated, s.trb, s.trd);
+        case 9:
+            return kvtiDecodeMV_BVOP_Forward_MPEG4(pp, off, &s.fwd[0], s.fcode);
+        case 10:
+            return kvtiDecodeMV_BVOP_Backward_MPEG4(pp, off, &s.bwd[0], s.fcode);
+        case 11:
+            *partial = true;
+            return kvtiDecodeMV_BVOP_Interpolate_MPEG4(pp, off, &s.fwd[1], &s.bwd[1], s.fcode, 8 - s.fcode);
+        case 12:
+            return kvtiDecodeMV_BVOP_Direct_MPEG4(pp, off, s.cur, s.fwd, s.bwd, &s.colocated, s.trb, s.trd);
         default: {  // the functions without a cursor, on the vectors decoded so far
             KvtMotionVec c{};
             const KvtRegionRect rect{-32, -32, 96 + (s.trb & 31), 64 + (s.trd & 31)};

@@ -48,10 +48,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         codes.push_back({0, len, int32_t(codes.size()), int8_t(byte()) * 3 + 1});
     }
     std::stable_sort(codes.begin(), codes.end(), [](const Code& a, const Code& b) { return a.len < b.len; });
-    for (size_t i = 1; i < codes.size(); ++i) codes[i].bits = (codes[i - 1].bits + 1) << (codes[i].len - codes[i - 1].len);
+    for (size_t i = 1; i < codes.size(); ++i)
+        codes[i].bits = (codes[i - 1].bits + 1) << (codes[i].len - codes[i - 1].len);
     // Every sub-table must fit; the plain block is the small one.
     const size_t worst = 1 + (size_t(1) << widths[0]) +
-                         codes.size() * (widths.size() - 1) * ((size_t(1) << widest) + 1) + (size_t(1) << widest);
+                         codes.size() * (widths.size() - 1) * ((size_t(1) << widest) + 1) +
+                         (size_t(1) << widest);
     const bool run_level = (mode & 0x10) || worst > 16384;
     std::vector<int32_t> desc{0, int32_t(widths.size())};
     desc.insert(desc.end(), widths.begin(), widths.end());
@@ -61,8 +63,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         for (const Code& c : codes)
             if (c.len == len) {
                 ++desc[at];
-                if (run_level) desc.insert(desc.end(), {int32_t(c.bits), c.run, c.level});
-                else desc.insert(desc.end(), {int32_t(c.bits), c.level * 256 + c.run});
+                if (run_level)
+                    desc.insert(desc.end(), {int32_t(c.bits), c.run, c.level});
+                else
+                    desc.insert(desc.end(), {int32_t(c.bits), c.level * 256 + c.run});
             }
     }
     desc.push_back(-1);
@@ -89,8 +93,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (st != kvtStsOk) abort();
         // Run/level tables hold every code as written; the decoded code must be the one read.
         if (!run_level) continue;
-        const auto it = std::find_if(codes.begin(), codes.end(), [&](const Code& c) { return c.level * 256 + c.run == out; });
-        if (it == codes.end() || it->len > total || moved != it->len || kvt::wc_show(before, it->len) != it->bits) abort();
+        const auto it = std::find_if(codes.begin(), codes.end(),
+                                     [&](const Code& c) { return c.level * 256 + c.run == out; });
+        if (it == codes.end() || it->len > total || moved != it->len ||
+            kvt::wc_show(before, it->len) != it->bits)
+            abort();
     }
     std::free(stream);
     kvtiVCHuffmanFree_32s(&table);

@@ -435,6 +435,156 @@ KVTAPI KvtStatus kvtiDCTInv_8x8_16s8u(const Kvt16s* pSrc, Kvt8u* pDst, int dstSt
 /* (end of section) */
 
 /* ---- MPEG-4 and H.263 coefficient decoding, AC/DC prediction and inverse quantization. ---- */
+/* Coefficient blocks are 64 Kvt16s in raster order (8 x row + column) unless "scan order" is said.
+ * The bitstream decoders take the byte cursor first and leave it just past the block on success;
+ * on a data error they return it (-72/-74 H.263 codes, -99/-100 MPEG-4 codes) with the cursor
+ * where the call began (after the DC for the separate-DC forms) and no output written, except
+ * where a line says otherwise. MPEG-4 readers return -105 for an offset outside 0..7.
+ *
+ * MPEG-4 intra prediction state (ISO/IEC 14496-2 7.4.3), kept by the caller:
+ *  - pCoefBufRow: one group of 8 Kvt16s per block column of the picture, plus one group before
+ *    column 0. The current block's group holds the reconstructed DC (entry 0) and the first-row
+ *    quantized AC (1..7) of the block above; entry -8 (the left column's group) holds the left
+ *    block's reconstructed DC. A negative DC marks a neighbour that is not available (outside the
+ *    VOP or the video packet): it predicts as 1024. Reset each group to DC -1, AC 0 at the start of
+ *    a video packet, and the group before column 0 likewise.
+ *  - pCoefBufCol: 8 Kvt16s per row of blocks (two for luminance: blocks 0-1 and 2-3, one for each
+ *    chrominance component); entries 1..7 hold the first-column quantized AC of the block to the
+ *    left (zero them at the left edge of the picture and at the start of a video packet).
+ *  - predDir: 0 no prediction (DC from 1024), 1 from the left block, 2 from the block above. With
+ *    left DC A, above-left B and above C (1024 when not available): 2 when |A - B| < |B - C|,
+ *    else 1 (ISO/IEC 14496-2 7.4.3.1). With AC prediction on, direction 1 decodes with the
+ *    alternate-vertical scan and 2 with the alternate-horizontal one; otherwise the zigzag scan.
+ *  - predQP: the quantizer of the block the prediction comes from (current QP when predDir is 0). */
+
+/* Scan tables (64 raster positions each). The _kvt names follow the AC prediction direction that
+ * selects them: _kvtVerticalZigzag is the alternate-horizontal order, _kvtHorizontalZigzag the
+ * alternate-vertical one. */
+KVTAPI extern const Kvt8u _kvtClassicalZigzag[64];
+KVTAPI extern const Kvt8u _kvtHorizontalZigzag[64];
+KVTAPI extern const Kvt8u _kvtVerticalZigzag[64];
+KVTAPI extern const Kvt8u ZigzagC[64]; /* classical zigzag */
+KVTAPI extern const Kvt8u ZigzagH[64]; /* alternate horizontal */
+KVTAPI extern const Kvt8u ZigzagV[64]; /* alternate vertical */
+/* MPEG-4 escape limits, index last * 64 + run (LMAX) or last * 64 + |level| (RMAX + 1); 0 where
+ * the intra (Table B-16) or inter (Table B-17) code table has no such event. */
+KVTAPI extern const Kvt8u _kvtLMAXintra[128];
+KVTAPI extern const Kvt8u _kvtLevelMAXinter[128];
+KVTAPI extern const Kvt8u _kvtRunMAXintra[128];
+KVTAPI extern const Kvt8u _kvtRMAXinter[128];
+
+/* -- Inverse scans: pDst[scan[i]] = pSrc[i] -- */
+/* All 64 coefficients in the alternate-horizontal order. */
+KVTAPI KvtStatus kvtiZigzagInv_Horizontal_16s(const Kvt16s* pSrc, Kvt16s* pDst);
+/* All 64 coefficients in the alternate-vertical order. */
+KVTAPI KvtStatus kvtiZigzagInv_Vertical_16s(const Kvt16s* pSrc, Kvt16s* pDst);
+/* The first len (1..64, else -72) scan positions, zigzag order; other pDst entries are kept. */
+KVTAPI KvtStatus kvtiZigzagInvClassical_Compact_16s(const Kvt16s* pSrc, int len, Kvt16s* pDst);
+/* As kvtiZigzagInvClassical_Compact_16s in the alternate-horizontal order. */
+KVTAPI KvtStatus kvtiZigzagInvHorizontal_Compact_16s(const Kvt16s* pSrc, int len, Kvt16s* pDst);
+/* As kvtiZigzagInvClassical_Compact_16s in the alternate-vertical order. */
+KVTAPI KvtStatus kvtiZigzagInvVertical_Compact_16s(const Kvt16s* pSrc, int len, Kvt16s* pDst);
+
+/* -- MPEG-4 coefficient codes to quantized coefficients (Tables B-13, B-14, B-16, B-17) -- */
+/* One intra DC size code and differential into *pDC; blockType 1 chrominance, else luminance. */
+KVTAPI KvtStatus kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDC,
+                                                      int blockType);
+/* Zeroes pDst, DC differential by its own code, intra AC codes from scan position 1; predDir picks
+ * the scan: 0 zigzag, 1 alternate vertical, 2 alternate horizontal (else -93). On an AC error pDst
+ * holds zeros and the cursor stays after the DC. */
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraDCVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset,
+                                                            Kvt16s* pDst, int predDir, int blockType);
+/* As above with the DC coded in the intra AC table (from scan position 0). */
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraACVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset,
+                                                            Kvt16s* pDst, int predDir);
+/* Zeroes pDst, inter codes from scan position 0, zigzag scan. */
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_Inter_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst);
+
+/* -- Block decoders: codes to residuals or pixels (inverse quantization and inverse DCT inside) -- */
+/* H.263 intra block without TCOEF: INTRADC (8 bits) fills the 8x8 pixels, 255 standing for 128;
+ * step >= 8 (-82); 0 and 128 give -73 with the cursor 8 bits on. */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_IntraDCOnly_H263_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                           int step);
+/* H.263 intra block: INTRADC (0 or 128: -73, cursor 8 bits on), TCOEF from scan position 1,
+ * inverse quantization (H.263 6.2.1), zigzag, inverse DCT to pixels; step >= 8 (-82), QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Intra_H263_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                     int step, int QP);
+/* H.263 inter block: TCOEF, inverse quantization, zigzag, inverse DCT in place to 64 residuals
+ * (raster); QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_H263_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst,
+                                                      int QP);
+/* H.263 Annex I intra block. predMode = INTRA_MODE + 1: 1 DC only (mean of the available left and
+ * above DCs, zigzag), 2 vertical DC and AC from above (alternate-horizontal scan), 3 horizontal
+ * from the left (alternate-vertical scan); else -83. Prediction state as for MPEG-4 (row groups
+ * and column buffer, AC as levels, negative DC: not available). coded 0: no TCOEF in the stream.
+ * AC: (level + predicted level) x 2 QP, clamped to -2048..2047; DC: 2 QP level + predicted DC,
+ * clamped to 0..2047 and made odd unless 0, stored in pCoefBufRow[0]. step >= 8 (-82), QP 1..31
+ * (-76). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_AdvIntra_H263_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                        int step, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
+                                                        int QP, int predMode, int coded);
+/* MPEG-4 inter block: inter codes, inverse quantization (pQMatrix: weighting matrix, raster, with
+ * mismatch control; NULL: H.263 method), inverse DCT in place to 64 residuals; QP 1..31 (-104). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst,
+                                                       int QP, const Kvt8u* pQMatrix);
+/* MPEG-4 intra block: DC (intraDCVLC nonzero: its own code; 0: in the AC table), AC codes, DC and
+ * (ACPredFlag nonzero) AC prediction, inverse quantization (pQMatrix: intra weighting matrix, NULL:
+ * H.263 method), inverse DCT to pixels. blockIndex 0..3 luminance, 4..5 chrominance, 6..9 alpha
+ * (luminance rules). Updates the prediction state and stores the reconstructed DC in
+ * pCoefBufRow[0]. Checks: nulls -8, step < 8 -14, QP or predQP outside 1..31 -104, predDir -93,
+ * blockIndex outside 0..9 -103, offset -105. */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Intra_MPEG4_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                      int step, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
+                                                      int QP, int predQP, int predDir, int ACPredFlag,
+                                                      int blockIndex, int intraDCVLC, const Kvt8u* pQMatrix);
+/* As kvtiDecodeBlockCoef_Intra_MPEG4_1u8u for a block without AC codes (CBP bit 0): reads only the
+ * DC when intraDCVLC is nonzero, nothing otherwise; AC prediction still applies. */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_IntraDCOnly_MPEG4_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                            int step, Kvt16s* pCoefBufRow,
+                                                            Kvt16s* pCoefBufCol, int QP, int predQP,
+                                                            int predDir, int ACPredFlag, int blockIndex,
+                                                            int intraDCVLC, const Kvt8u* pQMatrix);
+
+/* -- MPEG-4 AC/DC prediction and inverse quantization (ISO/IEC 14496-2 7.4.3, 7.4.4) -- */
+/* Adds the DC (and with ACPredFlag the first row or column) prediction to quantized coefficients
+ * (entry 0: the DC differential) and stores the block's first row and column in the state;
+ * blockType 1 chrominance. pCoefBufRow[0] is left for the caller (store the reconstructed DC). */
+KVTAPI KvtStatus kvtiPredictReconCoefIntra_MPEG4_16s(Kvt16s* pSrcDst, Kvt16s* pCoefBufRow,
+                                                     Kvt16s* pCoefBufCol, int curQP, int predQP, int predDir,
+                                                     int ACPredFlag, int blockType);
+/* Intra: DC times the DC scaler; AC by pQMatrix (with mismatch control) or, NULL, the H.263 method;
+ * results -2048..2047; blockType 1 chrominance. */
+KVTAPI KvtStatus kvtiQuantInvIntra_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix, int blockType);
+/* Inter: pQMatrix (with mismatch control) or, NULL, the H.263 method; results -2048..2047. */
+KVTAPI KvtStatus kvtiQuantInvInter_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
+/* Intra weighting-matrix method for bitsPerPixel 4..12 (bounds +-2^(bits+3)); dcScalerFlag 1: DC
+ * scaler by QP, 0: 8. Checks: nulls, QP (-104), bits (-92), flag (-90). */
+KVTAPI KvtStatus kvtiQuantInvIntraFirst_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix,
+                                                    int dcScalerFlag, int blockType, int bitsPerPixel);
+/* Intra H.263 method for bitsPerPixel 4..12; checks: null, QP (-104), flag (-90), blockType 0/1
+ * (-91), bits (-92). */
+KVTAPI KvtStatus kvtiQuantInvIntraSecond_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, int dcScalerFlag, int blockType,
+                                                     int bitsPerPixel);
+/* Inter weighting-matrix method for bitsPerPixel 4..12. */
+KVTAPI KvtStatus kvtiQuantInvInterFirst_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix,
+                                                    int bitsPerPixel);
+/* Inter H.263 method for bitsPerPixel 4..12. */
+KVTAPI KvtStatus kvtiQuantInvInterSecond_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, int bitsPerPixel);
+/* The first len scan-ordered coefficients (len >= 1, else -6): H.263 method from entry 1, entry 0
+ * an INTRADC value (255 -> 1024, else times 8); QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiQuantInvIntra_Compact_H263_16s_I(Kvt16s* pSrcDst, int len, int QP);
+/* The first len coefficients by the H.263 method, -2048..2047; len >= 1 (-6), QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiQuantInvInter_Compact_H263_16s_I(Kvt16s* pSrcDst, int len, int QP);
+/* Whole-block forms; QP is not checked (values outside 1..31 are clamped to it), results -2048..2047. */
+/* Intra weighting-matrix method on entries 1..63; entry 0 must hold the reconstructed DC: it is kept
+ * (clamped to -2048..2047) and counted in the mismatch sum. */
+KVTAPI KvtStatus kvtiQuantInvIntra_MPEG4_16s_C1I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
+/* As kvtiQuantInvInter_MPEG4_16s_I (pQMatrix may be NULL: H.263 method). */
+KVTAPI KvtStatus kvtiQuantInv_MPEG4_16s_C1I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
+/* H.263 intra: entry 0 an INTRADC value (255 -> 1024, else times 8), entries 1..63 the H.263 method. */
+KVTAPI KvtStatus kvtiQuantInvIntra_H263_C1I(Kvt16s* pSrcDst, int QP);
+/* H.263 inter: all 64 entries by the H.263 method. */
+KVTAPI KvtStatus kvtiQuantInv_H263_C1I(Kvt16s* pSrcDst, int QP);
 
 /* (end of section) */
 

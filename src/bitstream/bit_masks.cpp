@@ -3,10 +3,9 @@
 // Both names are public and hold the same values.
 #include "kvtvc.h"
 
-#define KVT_MASKS_8(b)                                                                           \
-    (1u << (b)) - 1u, (1u << ((b) + 1)) - 1u, (1u << ((b) + 2)) - 1u, (1u << ((b) + 3)) - 1u,    \
-        (1u << ((b) + 4)) - 1u, (1u << ((b) + 5)) - 1u, (1u << ((b) + 6)) - 1u,                  \
-        (1u << ((b) + 7)) - 1u
+#define KVT_MASKS_8(b)                                                                        \
+    (1u << (b)) - 1u, (1u << ((b) + 1)) - 1u, (1u << ((b) + 2)) - 1u, (1u << ((b) + 3)) - 1u, \
+        (1u << ((b) + 4)) - 1u, (1u << ((b) + 5)) - 1u, (1u << ((b) + 6)) - 1u, (1u << ((b) + 7)) - 1u
 
 extern "C" {
 const Kvt32u _kvtGetBitsMask[33] = {KVT_MASKS_8(0), KVT_MASKS_8(8), KVT_MASKS_8(16), KVT_MASKS_8(24),

@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "common/bits.h"
+
 namespace kvt {
 
 // Four bytes at p as a big-endian word.
@@ -25,20 +27,17 @@ inline uint32_t load_be32(const uint8_t* p) {
 #endif
 }
 
-// 2^n - 1 in 32-bit arithmetic; the shift count wraps as the processor's does, so n = 32 gives 0.
-inline uint32_t low_mask(uint32_t n) { return (uint32_t(1) << (n & 31)) - 1u; }
-
 // The next n (0..31) bits at (p, offset) as an unsigned value; the cursor does not move.
 // The 40-bit look-ahead word always covers offset + n bits.
 inline uint32_t ownShowBits(const uint8_t* p, uint32_t offset, uint32_t n) {
     const uint64_t w = (uint64_t(p[0]) << 32) | load_be32(p + 1);
-    return uint32_t(w >> (40 - offset - n)) & low_mask(n);
+    return uint32_t(w >> (40 - offset - n)) & low_mask(int(n));
 }
 
 // The next n (0..9) bits from the two-byte look-ahead word of the macroblock-header readers.
 inline uint32_t ownShowBits16(const uint8_t* p, uint32_t offset, uint32_t n) {
     const uint32_t w = (uint32_t(p[0]) << 8) | p[1];
-    return (w >> (16 - offset - n)) & low_mask(n);
+    return (w >> (16 - offset - n)) & low_mask(int(n));
 }
 
 // Advances the cursor by n bits; a negative n steps back (the shift is arithmetic, so from

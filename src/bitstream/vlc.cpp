@@ -1,6 +1,6 @@
 // Fronts of the VLC tables: build, decode one code, release.
 #include "bitstream/vlc_decode.h"
-#include "bitstream/vlc_kernels.h"
+#include "bitstream/vlc_dsp.h"
 #include "kvtvc.h"
 
 using namespace kvt;

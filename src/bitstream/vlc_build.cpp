@@ -1,4 +1,4 @@
-// Builder of the VLC lookup tables (layout in vlc_kernels.h).
+// Builder of the VLC lookup tables (layout in vlc_dsp.h).
 //
 // Records are placed one at a time, walking the levels from the root. The walk keeps the
 // current table when it meets a leaf, and the plain builder does not follow a pointer whose
@@ -7,12 +7,14 @@
 // depend on it.
 #include <cstdint>
 
-#include "bitstream/vlc_kernels.h"
+#include "bitstream/vlc_dsp.h"
+#include "common/bits.h"
+#include "common/kernel.h"
 
 namespace kvt {
 namespace {
 
-constexpr uint32_t width_mask(int32_t n) { return uint32_t((uint64_t(1) << n) - 1); }
+KVT_DSP_TABLE(VlcDsp, init_vlc_dsp) dsp;
 
 template <VlcRecord kind>
 constexpr int kRecordWords = kind == VlcRecord::Plain ? 2 : 3;
@@ -26,13 +28,15 @@ bool follows_pointer(int32_t entry) {
 // The leaf of a record without its surplus bits.
 template <VlcRecord kind>
 uint32_t leaf_of(const int32_t* rec) {
-    if constexpr (kind == VlcRecord::Plain) return uint32_t(rec[1]) << 8;
-    else return (uint32_t(rec[2]) << 16) | ((uint32_t(rec[1]) & 0xFF) << 8);
+    if constexpr (kind == VlcRecord::Plain)
+        return uint32_t(rec[1]) << 8;
+    else
+        return (uint32_t(rec[2]) << 16) | ((uint32_t(rec[1]) & 0xFF) << 8);
 }
 
 void replicate(int32_t* dst, uint32_t v, int n) {
     if (n >= 7) {
-        KVT_KERNEL(fill_32s)(v, dst, n);
+        dsp.fill_32s(v, dst, n);
         return;
     }
     for (int i = 0; i < n; ++i) dst[i] = int32_t(v);
@@ -54,13 +58,15 @@ public:
             sum += w;
             if (sum >= len) {
                 const int32_t surplus = sum - len;
-                const uint32_t base = (code & width_mask(w - surplus)) << surplus;
+                const uint32_t base = (code & low_mask(w - surplus)) << surplus;
                 replicate(table_ + header + 1 + base, leaf | uint32_t(surplus), int32_t(1) << surplus);
                 return;
             }
-            int32_t* entry = table_ + header + 1 + ((code >> (len - sum)) & width_mask(w));
-            if (uint32_t(*entry) == kVlcEmpty) header = open_table(entry, widths_[level + 1]);
-            else if (follows_pointer<kind>(*entry)) header = *entry >> 8;
+            int32_t* entry = table_ + header + 1 + ((code >> (len - sum)) & low_mask(w));
+            if (uint32_t(*entry) == kVlcEmpty)
+                header = open_table(entry, widths_[level + 1]);
+            else if (follows_pointer<kind>(*entry))
+                header = *entry >> 8;
             // any other entry: the walk stays in the current table
         }
     }
@@ -87,7 +93,7 @@ private:
 template <VlcRecord kind>
 void vlc_build(const int32_t* desc, int32_t* table) {
     const int words = kind == VlcRecord::Plain ? kVlcPlainWords : kVlcRunLevelWords;
-    KVT_KERNEL(fill_32s)(kVlcEmpty, table, words);
+    dsp.fill_32s(kVlcEmpty, table, words);
     table[0] = desc[2];
     const int32_t levels = desc[1];
     if (levels < 1) return;  // every record is ignored

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "bitstream/vlc_kernels.h"
+#include "bitstream/vlc_dsp.h"
 #include "bitstream/word_cursor.h"
 
 namespace kvt {

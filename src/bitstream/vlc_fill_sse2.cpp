@@ -1,13 +1,16 @@
 // SSE2 word fill of the VLC builder: the empty-marker fill of a whole table (up to 1 MiB) and
 // the replication of short codes' leaves.
-#include "bitstream/vlc_kernels.h"
+#include "bitstream/vlc_dsp.h"
+#include "common/kernel.h"
 #include "common/simd.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
-void fill_32s_sse2(uint32_t v, int32_t* dst, int n) {
+namespace {
+
+KvtStatus fill_32s(uint32_t v, int32_t* dst, int n) {
     int32_t* const end = dst + n;
     // Words up to the first 16-byte boundary (dst is 4-byte aligned), then aligned stores.
     while (dst < end && !is_aligned16(dst)) *dst++ = int32_t(v);
@@ -20,6 +23,11 @@ void fill_32s_sse2(uint32_t v, int32_t* dst, int n) {
     }
     for (; end - dst >= 4; dst += 4) store_aligned(dst, pattern);
     while (dst < end) *dst++ = int32_t(v);
+    return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_vlc(VlcDsp& d) { d.fill_32s = fill_32s; }
+
+}  // namespace kvt::sse2

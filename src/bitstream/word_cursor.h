@@ -10,15 +10,14 @@
 
 #include <cstdint>
 
+#include "common/bits.h"
+
 namespace kvt {
 
 struct WordCursor {
     const uint32_t* word;
     int offset;  // 31..0 between calls
 };
-
-// The low n bits set, for n = 0..32.
-constexpr uint32_t low_mask(int n) { return uint32_t((uint64_t(1) << n) - 1); }
 
 // The next n bits (0..32) as an unsigned number, first bit most significant; the cursor stays.
 inline uint32_t wc_show(const WordCursor& c, int n) {

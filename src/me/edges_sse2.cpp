@@ -1,15 +1,19 @@
 // SSE2 edge detector: one row of 15 positions per step, counted with PSADBW.
-#include "me/edges_kernels.h"
+#include "common/kernel.h"
+#include "me/edges_count.h"
 #include "me/halfpel_sse2.h"
+#include "me/me_dsp.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
+namespace {
+
 // The right neighbour comes from a byte shift of the row itself, so nothing past column 15 is
 // read; the shifted-in zero lands on column 15, which the mask drops.
-KvtStatus edges_16x16_sse2(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
-                           uint8_t* flag) {
+KvtStatus edges16(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
+                  uint8_t* flag) {
     const __m128i t = _mm_set1_epi8(char(diff_threshold)), clamp = _mm_set1_epi8(127);
     const __m128i one_in_columns_0_14 = _mm_srli_si128(_mm_set1_epi8(1), 1);
     __m128i row = load(src);
@@ -32,4 +36,8 @@ KvtStatus edges_16x16_sse2(const uint8_t* src, int step, uint8_t diff_threshold,
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_edges(MeDsp& d) { d.edges16 = edges16; }
+
+}  // namespace kvt::sse2

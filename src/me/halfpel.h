@@ -26,6 +26,16 @@ enum McType : int {
 // The bits of a motion-compensation type that name its phase (the fronts ignore the others).
 constexpr int kMcPhaseBits = kvtMcVertHalf | kvtMcHorHalf;
 
+// The four codes; the squared-difference and VarMeanDiff fronts accept only these.
+constexpr bool is_phase_code(int type) {
+    return type == kMcFull || type == kMcVertHalf || type == kMcHorHalf || type == kMcBothHalf;
+}
+
+// A current block whose pointer and step are multiples of 16 takes the aligned kernels.
+inline bool aligned16(const void* p, int step) {
+    return ((reinterpret_cast<uintptr_t>(p) | uintptr_t(step)) & 15) == 0;
+}
+
 struct HalfRound {
     int k1, k2;
 };
@@ -38,10 +48,14 @@ constexpr HalfRound round_wide(int r) { return {2 - r, 3 - r}; }
 inline int halfpel_at(const uint8_t* ref, int step, int x, int y, int type, HalfRound k) {
     const uint8_t* p = ref + static_cast<intptr_t>(y) * step + x;
     switch (type) {
-        case kMcVertHalf: return (p[0] + p[step] + k.k1) >> 1;
-        case kMcHorHalf: return (p[0] + p[1] + k.k1) >> 1;
-        case kMcBothHalf: return (p[0] + p[1] + p[step] + p[step + 1] + k.k2) >> 2;
-        default: return p[0];
+        case kMcVertHalf:
+            return (p[0] + p[step] + k.k1) >> 1;
+        case kMcHorHalf:
+            return (p[0] + p[1] + k.k1) >> 1;
+        case kMcBothHalf:
+            return (p[0] + p[1] + p[step] + p[step + 1] + k.k2) >> 2;
+        default:
+            return p[0];
     }
 }
 

@@ -34,21 +34,26 @@ inline __m128i avg4_fixed(const PairAvg& top, const PairAvg& bot) {
 // A row of the current block: aligned loads fold into the instruction that uses them.
 template <bool aligned>
 inline __m128i load_cur(const uint8_t* p) {
-    if constexpr (aligned) return load_aligned(p);
-    else return load(p);
+    if constexpr (aligned)
+        return load_aligned(p);
+    else
+        return load(p);
 }
 
 // Loads one row of W (8 or 16) bytes; 8-byte rows fill the low half.
 template <int W>
 inline __m128i load_row(const uint8_t* p) {
     static_assert(W == 8 || W == 16, "rows are 8 or 16 samples");
-    if constexpr (W == 16) return load(p);
-    else return load8(p);
+    if constexpr (W == 16)
+        return load(p);
+    else
+        return load8(p);
 }
 
 // Rows y and y + 1 of an 8-wide block in one register (row y in the low half).
 inline __m128i load_2rows8(const uint8_t* p, intptr_t step) {
-    return _mm_castpd_si128(_mm_loadh_pd(_mm_castsi128_pd(load8(p)), reinterpret_cast<const double*>(p + step)));
+    return _mm_castpd_si128(
+        _mm_loadh_pd(_mm_castsi128_pd(load8(p)), reinterpret_cast<const double*>(p + step)));
 }
 
 // Fixed-rounding predictions of a block W samples wide, one row per next() call, top to bottom.
@@ -89,7 +94,9 @@ private:
 };
 
 // |a - b| per byte.
-inline __m128i absdiff_u8(__m128i a, __m128i b) { return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a)); }
+inline __m128i absdiff_u8(__m128i a, __m128i b) {
+    return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a));
+}
 
 // Sum of squares of the 16 byte-sized magnitudes in d, added into four 32-bit lanes.
 inline __m128i add_squares_u8(__m128i acc, __m128i d) {

@@ -3,11 +3,12 @@
 // per vector. Vertical half steps keep the previous row's sums, so each reference row is loaded
 // and widened once. Only the samples the phase needs are read: the block, plus one column for a
 // horizontal half step and one row for a vertical one.
+#include "common/kernel.h"
 #include "common/simd.h"
 #include "me/halfpel.h"
-#include "me/residual_kernels.h"
+#include "me/me_dsp.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
@@ -106,43 +107,39 @@ inline void store_diff(uint8_t* dst, const uint8_t* cur, const Row<N>& pred) {
 
 inline uint8_t* bytes(int16_t* p) { return reinterpret_cast<uint8_t*>(p); }
 
-template <int W, int H, int Type, bool Wide, bool WithPred>
-struct GetDiffSse2 {
-    static KvtStatus run(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff16,
-                         int diff_step, int16_t* pred16, int pred_step, int rounding) {
-        uint8_t *d = bytes(diff16), *pred = bytes(pred16);
-        Predictor<W / 8, Type> predictor(ref, ref_step, Wide ? round_wide(rounding) : round_narrow(rounding));
-        // Unrolled: the carried sums then rotate through registers without copies.
+template <int W, int H, int Type, bool WithPred>
+KvtStatus get_diff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int16_t* diff16,
+                   int diff_step, int16_t* pred16, int pred_step, int rounding) {
+    uint8_t *d = bytes(diff16), *pred = bytes(pred16);
+    Predictor<W / 8, Type> predictor(ref, ref_step, W == 16 ? round_wide(rounding) : round_narrow(rounding));
+    // Unrolled: the carried sums then rotate through registers without copies.
 #pragma GCC unroll 16
-        for (int y = 0; y < H; ++y) {
-            const Row<W / 8> p = predictor.next();
-            store_diff(d, cur, p);
-            if constexpr (WithPred) {
-                store_row(pred, p);
-                pred += pred_step;
-            }
-            cur += cur_step;
-            d += diff_step;
+    for (int y = 0; y < H; ++y) {
+        const Row<W / 8> p = predictor.next();
+        store_diff(d, cur, p);
+        if constexpr (WithPred) {
+            store_row(pred, p);
+            pred += pred_step;
         }
-        return kvtStsOk;
+        cur += cur_step;
+        d += diff_step;
     }
-};
+    return kvtStsOk;
+}
 
 template <int W, int H, int FwdType, int BwdType>
-struct GetDiffBSse2 {
-    static KvtStatus run(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
-                         const uint8_t* bwd, int bwd_step, int16_t* diff16, int diff_step, int rounding) {
-        uint8_t* d = bytes(diff16);
-        Predictor<W / 8, FwdType> f(fwd, fwd_step, round_narrow(rounding));
-        Predictor<W / 8, BwdType> b(bwd, bwd_step, round_narrow(rounding));
-        for (int y = 0; y < H; ++y) {
-            store_diff(d, cur, shift<1>(add(f.next(), b.next())));
-            cur += cur_step;
-            d += diff_step;
-        }
-        return kvtStsOk;
+KvtStatus get_diff_b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
+                     int bwd_step, int16_t* diff16, int diff_step, int rounding) {
+    uint8_t* d = bytes(diff16);
+    Predictor<W / 8, FwdType> f(fwd, fwd_step, round_narrow(rounding));
+    Predictor<W / 8, BwdType> b(bwd, bwd_step, round_narrow(rounding));
+    for (int y = 0; y < H; ++y) {
+        store_diff(d, cur, shift<1>(add(f.next(), b.next())));
+        cur += cur_step;
+        d += diff_step;
     }
-};
+    return kvtStsOk;
+}
 
 // Residual sums of 4x4 sub-blocks. Each band of four rows accumulates its column sums in 16-bit
 // lanes; two multiply-adds by one then fold four columns into one sub-block sum.
@@ -187,30 +184,32 @@ KvtStatus sums_diff(const uint8_t* cur, int cur_step, const uint8_t* pred, int p
     return kvtStsOk;
 }
 
+template <int N>
+KvtStatus sums_diff_n(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step, int16_t* sums,
+                      int16_t* diff) {
+    return diff ? sums_diff<N, true>(cur, cur_step, pred, pred_step, sums, diff)
+                : sums_diff<N, false>(cur, cur_step, pred, pred_step, sums, nullptr);
+}
+
+template <int W, int H>
+void fill_size(GetDiffFn (&row)[8], GetDiffBFn (&row_b)[16]) {
+    fill_slots(
+        row, [](auto i) { return get_diff<W, H, decltype(i)::value / 2 * 4, decltype(i)::value % 2 != 0>; });
+    fill_slots(row_b, [](auto i) {
+        return get_diff_b<W, H, decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4>;
+    });
+}
+
 }  // namespace
 
-const GetDiffTable get_diff_16x16_sse2 = make_get_diff_table<GetDiffSse2, 16, 16, true>();
-const GetDiffTable get_diff_16x8_sse2 = make_get_diff_table<GetDiffSse2, 16, 8, true>();
-const GetDiffTable get_diff_8x16_sse2 = make_get_diff_table<GetDiffSse2, 8, 16, false>();
-const GetDiffTable get_diff_8x8_sse2 = make_get_diff_table<GetDiffSse2, 8, 8, false>();
-const GetDiffTable get_diff_8x4_sse2 = make_get_diff_table<GetDiffSse2, 8, 4, false>();
-
-const GetDiffBTable get_diff_b_16x16_sse2 = make_get_diff_b_table<GetDiffBSse2, 16, 16>();
-const GetDiffBTable get_diff_b_16x8_sse2 = make_get_diff_b_table<GetDiffBSse2, 16, 8>();
-const GetDiffBTable get_diff_b_8x16_sse2 = make_get_diff_b_table<GetDiffBSse2, 8, 16>();
-const GetDiffBTable get_diff_b_8x8_sse2 = make_get_diff_b_table<GetDiffBSse2, 8, 8>();
-const GetDiffBTable get_diff_b_8x4_sse2 = make_get_diff_b_table<GetDiffBSse2, 8, 4>();
-
-KvtStatus sums_diff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
-                               int16_t* sums, int16_t* diff) {
-    return diff ? sums_diff<16, true>(cur, cur_step, pred, pred_step, sums, diff)
-                : sums_diff<16, false>(cur, cur_step, pred, pred_step, sums, nullptr);
+void init_residual(MeDsp& d) {
+    fill_size<16, 16>(d.get_diff[k16x16], d.get_diff_b[k16x16]);
+    fill_size<16, 8>(d.get_diff[k16x8], d.get_diff_b[k16x8]);
+    fill_size<8, 16>(d.get_diff[k8x16], d.get_diff_b[k8x16]);
+    fill_size<8, 8>(d.get_diff[k8x8], d.get_diff_b[k8x8]);
+    fill_size<8, 4>(d.get_diff[k8x4], d.get_diff_b[k8x4]);
+    d.sums_diff16x16 = sums_diff_n<16>;
+    d.sums_diff8x8 = sums_diff_n<8>;
 }
 
-KvtStatus sums_diff_8x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* pred, int pred_step,
-                             int16_t* sums, int16_t* diff) {
-    return diff ? sums_diff<8, true>(cur, cur_step, pred, pred_step, sums, diff)
-                : sums_diff<8, false>(cur, cur_step, pred, pred_step, sums, nullptr);
-}
-
-}  // namespace kvt
+}  // namespace kvt::sse2

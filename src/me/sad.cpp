@@ -8,10 +8,6 @@ using namespace kvt;
 
 namespace {
 KVT_DSP_TABLE(SadDsp, init_sad_dsp) dsp;
-
-bool aligned16(const void* p, int step) {
-    return ((reinterpret_cast<uintptr_t>(p) | uintptr_t(step)) & 15) == 0;
-}
 }  // namespace
 
 // The result pointer is deliberately unchecked here and in kvtiSAD8x8_8u32s_C1R. Types other

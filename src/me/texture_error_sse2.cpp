@@ -1,14 +1,16 @@
 // SSE2 kernel of the shape-coding texture error. Two source rows meet 16 contiguous prediction
 // samples per step; PSADBW gives the magnitude sum exactly, since |s - p| is the residual's.
+#include "common/kernel.h"
 #include "common/simd.h"
-#include "me/residual_kernels.h"
+#include "me/me_dsp.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
-KvtStatus texture_error_sse2(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff,
-                             int32_t* sad) {
+namespace {
+
+KvtStatus texture_error(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff, int32_t* sad) {
     const __m128i zero = _mm_setzero_si128();
     __m128i acc = zero;
     for (int y = 0; y < 8; y += 2) {
@@ -23,4 +25,8 @@ KvtStatus texture_error_sse2(const uint8_t* src, int src_step, const uint8_t* pr
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_texture_error(MeDsp& d) { d.texture_error = texture_error; }
+
+}  // namespace kvt::sse2

@@ -1,9 +1,10 @@
 // SSE2 kernels of the variance and mean family: sums by PSADBW against zero, squares by PMADDWD.
+#include "common/kernel.h"
 #include "me/halfpel_sse2.h"
-#include "me/phase.h"
-#include "me/variance_kernels.h"
+#include "me/me_dsp.h"
+#include "me/variance_finish.h"
 
-namespace kvt {
+namespace kvt::sse2 {
 
 using namespace simd;
 
@@ -21,8 +22,8 @@ struct RowSums {
 // Quarter sums of a 16 x H residual: per band of 8 rows, the prediction sums of the left and
 // right quarters (64-bit lanes of p) and their squared residuals (ql, qr).
 template <int H, int type>
-void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
-                 int32_t* var, int32_t* mean) {
+KvtStatus varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, const int32_t* sums,
+                      int32_t* var, int32_t* mean) {
     FixedRows<type, 16> pred(ref, ref_step);
     for (int band = 0; band < H / 8; ++band) {
         __m128i p = _mm_setzero_si128(), ql = _mm_setzero_si128(), qr = _mm_setzero_si128();
@@ -41,34 +42,23 @@ void varmeandiff(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_s
         varmeandiff_finish<H == 16>(sums[k + 1], p_right, uint32_t(hsum_epi32(qr)), var + k + 1,
                                     mean + k + 1);
     }
+    return kvtStsOk;
 }
 
-template <bool aligned>
-void variance16(const uint8_t* src, int step, int32_t* var) {
+KvtStatus variance16(const uint8_t* src, int step, int32_t* var) {
     RowSums even, odd;
 #pragma GCC unroll 4
     for (int y = 0; y < 16; y += 2, src += 2 * intptr_t(step)) {
-        even.add(load_cur<aligned>(src));
-        odd.add(load_cur<aligned>(src + step));
+        even.add(load(src));
+        odd.add(load(src + step));
     }
     const uint32_t s = uint32_t(hsum_sad(_mm_add_epi64(even.s, odd.s)));
     const uint32_t q = uint32_t(hsum_epi32(_mm_add_epi32(even.q, odd.q)));
     *var = int32_t(q - ((s * s) >> 8));
-}
-
-}  // namespace
-
-KvtStatus variance_16x16_sse2(const uint8_t* src, int step, int32_t* var) {
-    variance16<false>(src, step, var);
     return kvtStsOk;
 }
 
-KvtStatus variance_16x16_a16_sse2(const uint8_t* src, int step, int32_t* var) {
-    variance16<true>(src, step, var);
-    return kvtStsOk;
-}
-
-KvtStatus varmean_8x8_8u_sse2(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
+KvtStatus varmean8x8(const uint8_t* src, int step, int32_t* var, int32_t* mean) {
     RowSums acc;
 #pragma GCC unroll 4
     for (int y = 0; y < 8; y += 2, src += 2 * intptr_t(step)) acc.add(load_2rows8(src, step));
@@ -80,7 +70,7 @@ KvtStatus varmean_8x8_8u_sse2(const uint8_t* src, int step, int32_t* var, int32_
 
 // PADDSW adds the rows in order, exactly the saturating column sums. PMADDWD of a row with
 // itself wraps only for four -32768 lanes (2^31), which is the 32-bit wrap the sum keeps anyway.
-KvtStatus varmean_8x8_16s_sse2(const int16_t* src, int step, int32_t* var, int32_t* mean) {
+KvtStatus varmean8x8_16s(const int16_t* src, int step, int32_t* var, int32_t* mean) {
     const uint8_t* p = reinterpret_cast<const uint8_t*>(src);
     __m128i columns = _mm_setzero_si128(), q = _mm_setzero_si128();
 #pragma GCC unroll 8
@@ -94,30 +84,8 @@ KvtStatus varmean_8x8_16s_sse2(const int16_t* src, int step, int32_t* var, int32
     return kvtStsOk;
 }
 
-template <int type>
-KvtStatus varmeandiff_16x16_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                                 const int32_t* sums, int32_t* var, int32_t* mean) {
-    varmeandiff<16, type>(cur, cur_step, ref, ref_step, sums, var, mean);
-    return kvtStsOk;
-}
-
-template <int type>
-KvtStatus varmeandiff_16x8_sse2(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                                const int32_t* sums, int32_t* var, int32_t* mean) {
-    varmeandiff<8, type>(cur, cur_step, ref, ref_step, sums, var, mean);
-    return kvtStsOk;
-}
-
-#define KVT_INSTANTIATE(t)                                                                                 \
-    template KvtStatus varmeandiff_16x16_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*, \
-                                                 int32_t*, int32_t*);                                      \
-    template KvtStatus varmeandiff_16x8_sse2<t>(const uint8_t*, int, const uint8_t*, int, const int32_t*,  \
-                                                int32_t*, int32_t*);
-KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
-#undef KVT_INSTANTIATE
-
 // Two passes over the block: the rounded mean first, then PSADBW against the broadcast mean.
-KvtStatus mean_abs_dev_16x16_sse2(const uint8_t* src, int step, int32_t* dev) {
+KvtStatus mean_abs_dev16(const uint8_t* src, int step, int32_t* dev) {
     const intptr_t st = step;
     __m128i s = _mm_setzero_si128();
 #pragma GCC unroll 16
@@ -130,4 +98,15 @@ KvtStatus mean_abs_dev_16x16_sse2(const uint8_t* src, int step, int32_t* dev) {
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_variance(MeDsp& d) {
+    d.variance16 = variance16;
+    d.varmean8x8 = varmean8x8;
+    d.varmean8x8_16s = varmean8x8_16s;
+    fill_slots(d.varmeandiff16x16, [](auto p) { return varmeandiff<16, decltype(p)::value * 4>; });
+    fill_slots(d.varmeandiff16x8, [](auto p) { return varmeandiff<8, decltype(p)::value * 4>; });
+    d.mean_abs_dev16 = mean_abs_dev16;
+}
+
+}  // namespace kvt::sse2

@@ -4,12 +4,15 @@
 #include <cstdint>
 
 #include "bitstream/byte_cursor.h"
+#include "common/kernel.h"
 #include "kvtvc.h"
-#include "mpeg4/motion_vector_kernels.h"
+#include "mpeg4/motion_vector_dsp.h"
 
 using namespace kvt;
 
 namespace {
+
+KVT_DSP_TABLE(MotionVectorDsp, init_motion_vector_dsp) dsp;
 
 // -8 or -105 for a cursor the MPEG-4 readers reject, else 0.
 KvtStatus check_cursor(Kvt8u* const* pp, const int* pOffset) {
@@ -33,21 +36,22 @@ KvtStatus check_direct(const KvtMotionVec* col, const KvtMotionVec* fwd, const K
 }  // namespace
 
 KvtStatus kvtiDecodePadMV_PVOP_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, const KvtMotionVec* pSrcMVLeftMB,
-                                     const KvtMotionVec* pSrcMVUpperMB, const KvtMotionVec* pSrcMVUpperRightMB,
-                                     KvtMotionVec* pDstMVCurMB, const Kvt32u* pValidLeft, const Kvt32u* pValidUpper,
+                                     const KvtMotionVec* pSrcMVUpperMB,
+                                     const KvtMotionVec* pSrcMVUpperRightMB, KvtMotionVec* pDstMVCurMB,
+                                     const Kvt32u* pValidLeft, const Kvt32u* pValidUpper,
                                      const Kvt32u* pValidUpperRight, const Kvt8u* pBlockPresent, int fcode,
                                      int mbType) {
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
-    if (!pSrcMVLeftMB || !pSrcMVUpperMB || !pSrcMVUpperRightMB || !pDstMVCurMB || !pValidLeft || !pValidUpper ||
-        !pValidUpperRight || !pBlockPresent)
+    if (!pSrcMVLeftMB || !pSrcMVUpperMB || !pSrcMVUpperRightMB || !pDstMVCurMB || !pValidLeft ||
+        !pValidUpper || !pValidUpperRight || !pBlockPresent)
         return kvtStsNullPointer;
     if (misaligned(pValidLeft) || misaligned(pValidUpper) || misaligned(pValidUpperRight) ||
         misaligned(pBlockPresent))
         return kvtStsMisaligned;
     if (bad_fcode(fcode)) return kvtStsBadFcode;
-    const MvNeighbours nb{pSrcMVLeftMB, pSrcMVUpperMB, pSrcMVUpperRightMB,
+    const MvNeighbours nb{pSrcMVLeftMB,     pSrcMVUpperMB,     pSrcMVUpperRightMB,
                           *pValidLeft != 0, *pValidUpper != 0, *pValidUpperRight != 0};
-    return decode_pad_mv_pvop_mpeg4_ref(ppBitStream, pBitOffset, nb, pDstMVCurMB, pBlockPresent, fcode, mbType);
+    return dsp.decode_pad_mv_pvop(ppBitStream, pBitOffset, nb, pDstMVCurMB, pBlockPresent, fcode, mbType);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
@@ -55,7 +59,7 @@ KvtStatus kvtiDecodeMV_BVOP_Forward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, 
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
     if (!pSrcDstMV) return kvtStsNullPointer;
     if (bad_fcode(fcode)) return kvtStsBadFcode;
-    return decode_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcDstMV, fcode);
+    return dsp.decode_mv(ppBitStream, pBitOffset, pSrcDstMV, fcode);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_Backward_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, KvtMotionVec* pSrcDstMV,
@@ -69,51 +73,52 @@ KvtStatus kvtiDecodeMV_BVOP_Interpolate_MPEG4(Kvt8u** ppBitStream, int* pBitOffs
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
     if (!pSrcDstMVF || !pSrcDstMVB) return kvtStsNullPointer;
     if (bad_fcode(fcodeForward) || bad_fcode(fcodeBackward)) return kvtStsBadFcode;
-    if (const int st = decode_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcDstMVF, fcodeForward)) return st;
-    return decode_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcDstMVB, fcodeBackward);
+    if (const KvtStatus st = dsp.decode_mv(ppBitStream, pBitOffset, pSrcDstMVF, fcodeForward)) return st;
+    return dsp.decode_mv(ppBitStream, pBitOffset, pSrcDstMVB, fcodeBackward);
 }
 
-KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset, const KvtMotionVec* pSrcMVColocated,
-                                         KvtMotionVec* pDstMVForward, KvtMotionVec* pDstMVBackward,
-                                         const Kvt32u* pColocatedFlag, int TRB, int TRD) {
+KvtStatus kvtiDecodeMV_BVOP_Direct_MPEG4(Kvt8u** ppBitStream, int* pBitOffset,
+                                         const KvtMotionVec* pSrcMVColocated, KvtMotionVec* pDstMVForward,
+                                         KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag, int TRB,
+                                         int TRD) {
     if (const KvtStatus st = check_cursor(ppBitStream, pBitOffset)) return st;
-    if (const KvtStatus st = check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
+    if (const KvtStatus st =
+            check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
         return st;
-    return decode_direct_mv_mpeg4_ref(ppBitStream, pBitOffset, pSrcMVColocated, pDstMVForward, pDstMVBackward,
-                                      *pColocatedFlag != 0, TRB, TRD);
+    return dsp.decode_direct_mv(ppBitStream, pBitOffset, pSrcMVColocated, pDstMVForward, pDstMVBackward,
+                                *pColocatedFlag != 0, TRB, TRD);
 }
 
 KvtStatus kvtiDecodeMV_BVOP_DirectSkip_MPEG4(const KvtMotionVec* pSrcMVColocated, KvtMotionVec* pDstMVForward,
-                                             KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag, int TRB,
-                                             int TRD) {
-    if (const KvtStatus st = check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
+                                             KvtMotionVec* pDstMVBackward, const Kvt32u* pColocatedFlag,
+                                             int TRB, int TRD) {
+    if (const KvtStatus st =
+            check_direct(pSrcMVColocated, pDstMVForward, pDstMVBackward, pColocatedFlag, TRB, TRD))
         return st;
-    return direct_mv_mpeg4_ref(pSrcMVColocated, pDstMVForward, pDstMVBackward, *pColocatedFlag != 0, TRB, TRD,
-                               0, 0);
+    return dsp.direct_mv(pSrcMVColocated, pDstMVForward, pDstMVBackward, *pColocatedFlag != 0, TRB, TRD, 0,
+                         0);
 }
 
 KvtStatus kvtiPadMV_MPEG4(KvtMotionVec* pSrcDstMV, const Kvt8u* pBlockPresent) {
     if (!pSrcDstMV || !pBlockPresent) return kvtStsNullPointer;
-    return pad_mv_mpeg4_ref(pSrcDstMV, pBlockPresent);
+    return dsp.pad_mv(pSrcDstMV, pBlockPresent);
 }
 
 KvtStatus kvtiComputeChromaMV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV) {
     if (!pSrcMV || !pDstMV) return kvtStsNullPointer;
-    *pDstMV = chroma_mv_mpeg4_ref(*pSrcMV);
-    return kvtStsOk;
+    return dsp.chroma_mv(pSrcMV, pDstMV);
 }
 
-KvtStatus kvtiComputeChroma4MV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV, const Kvt8u* pBlockPresent) {
+KvtStatus kvtiComputeChroma4MV_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
+                                     const Kvt8u* pBlockPresent) {
     if (!pSrcMV || !pDstMV || !pBlockPresent) return kvtStsNullPointer;
-    *pDstMV = chroma4_mv_mpeg4_ref(pSrcMV, pBlockPresent);
-    return kvtStsOk;
+    return dsp.chroma4_mv(pSrcMV, pBlockPresent, pDstMV);
 }
 
-KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV, const KvtRegionRect* pRectRef,
-                                  Kvt32u xPos, Kvt32u yPos, int size) {
+KvtStatus kvtiLimitMVToRect_MPEG4(const KvtMotionVec* pSrcMV, KvtMotionVec* pDstMV,
+                                  const KvtRegionRect* pRectRef, Kvt32u xPos, Kvt32u yPos, int size) {
     if (!pSrcMV || !pDstMV || !pRectRef) return kvtStsNullPointer;
     if (size != 8 && size != 16) return kvtStsBadBlockSize;
     if (pRectRef->width < 2 * size || pRectRef->height < 2 * size) return kvtStsBadSize;
-    *pDstMV = limit_mv_to_rect_ref(*pSrcMV, *pRectRef, xPos, yPos, size);
-    return kvtStsOk;
+    return dsp.limit_mv_to_rect(pSrcMV, *pRectRef, xPos, yPos, size, pDstMV);
 }

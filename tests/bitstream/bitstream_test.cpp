@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bitstream/byte_cursor.h"
-#include "bitstream/vlc_kernels.h"
+#include "bitstream/vlc_dsp.h"
 #include "bitstream/word_cursor.h"
 #include "checkasm.h"
 #include "kvtvc.h"
@@ -288,12 +288,13 @@ TEST(VlcStatus, ArgumentChecks) {
                 kvtiVCHuffmanFree_32s(&t) == kvtStsOk);
 }
 
-TEST(VlcKernels, WordFillMatchesReference) {
-    compare_kernels("fill_32s", 400, [](Rng& rng, Impl impl, Outputs& out) {
-        const int n = rng.uniform(0, 300);
-        Guarded<int32_t> buf(size_t(n) + 1, size_t(rng.uniform(0, 3)) * 4);
-        for (size_t i = 0; i < buf.size(); ++i) buf[i] = int32_t(rng.next());
-        KVT_PICK(impl, fill_32s)(rng.next(), buf.data(), n);
-        out.add_buffer("words", buf);
-    });
+TEST(VlcKernels, WordFillMatchesOracle) {
+    compare_tiers<VlcDsp>("fill_32s", init_vlc_dsp, ref::init_vlc, 400,
+                          [](Rng& rng, const VlcDsp& d, Outputs& out) {
+                              const int n = rng.uniform(0, 300);
+                              Guarded<int32_t> buf(size_t(n) + 1, size_t(rng.uniform(0, 3)) * 4);
+                              for (size_t i = 0; i < buf.size(); ++i) buf[i] = int32_t(rng.next());
+                              d.fill_32s(rng.next(), buf.data(), n);
+                              out.add_buffer("words", buf);
+                          });
 }

@@ -1,7 +1,6 @@
-// Reference-against-SIMD harness in the spirit of the codec projects' "checkasm":
-// identical random inputs go to the reference kernel and to the kernel the library dispatches
-// to (its SIMD twin); every output byte is compared and guard bytes around outputs are checked.
-// A failure prints the seed that reproduces it.
+// Oracle-against-tiers harness in the spirit of the codec projects' "checkasm": identical
+// random inputs go to the oracle's kernels and to every tier's; every output byte is compared
+// and guard bytes around outputs are checked. A failure prints the seed that reproduces it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,7 +14,6 @@
 #include <utility>
 #include <vector>
 
-#include "common/dispatch.h"
 #include "common/kernel.h"
 
 namespace kvt::test {
@@ -103,29 +101,6 @@ struct Outputs {
     }
 };
 
-enum class Impl { Ref, Simd };
-
-// Runs body(rng, impl, outputs) `trials` times for each implementation with the same seed per
-// trial and expects identical outputs. Skipped when the build has no SIMD kernels.
-template <class Body>
-void compare_kernels(const char* what, int trials, Body body) {
-    if (!KVT_HAVE_SSE2) GTEST_SKIP() << "built without SIMD kernels";
-    for (int t = 0; t < trials; ++t) {
-        const uint64_t seed = 0x6B7674ull * 1000 + uint64_t(t);
-        Rng r1(seed), r2(seed);
-        Outputs ref, simd;
-        body(r1, Impl::Ref, ref);
-        body(r2, Impl::Simd, simd);
-        ASSERT_EQ(ref.items.size(), simd.items.size()) << what;
-        for (size_t i = 0; i < ref.items.size(); ++i) {
-            const std::vector<uint8_t>&a = ref.items[i].second, &b = simd.items[i].second;
-            ASSERT_TRUE(a == b) << what << ", trial " << t << " (seed " << seed << "): " << ref.items[i].first
-                                << " differs from byte "
-                                << std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
-        }
-    }
-}
-
 // ---- Tiers --------------------------------------------------------------------------------
 
 // The seed of the random tests: KVT_TEST_SEED from the environment, else a fixed one (CI).
@@ -183,8 +158,5 @@ void compare_tiers(const char* what, void (*init)(Dsp&, unsigned), void (*init_r
         }
     });
 }
-
-// Picks the reference or the dispatched kernel of a family by name.
-#define KVT_PICK(impl, name) ((impl) == ::kvt::test::Impl::Ref ? name##_ref : KVT_KERNEL(name))
 
 }  // namespace kvt::test

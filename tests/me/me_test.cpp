@@ -9,27 +9,23 @@
 
 #include "checkasm.h"
 #include "kvtvc.h"
-#include "me/edges_kernels.h"
-#include "me/phase.h"
-#include "me/residual_kernels.h"
+#include "me/halfpel.h"
+#include "me/me_dsp.h"
 #include "me/sad_dsp.h"
-#include "me/sqrdiff_kernels.h"
-#include "me/variance_kernels.h"
 #include "page_guard.h"
 
 using namespace kvt;
 using namespace kvt::test;
 
-// KVT_PICK for kernels templated over phases, and for the twins with aligned current blocks.
-// clang-format off
-#define KVT_PICK_T(impl, name, ...) \
-    ((impl) == Impl::Ref ? name##_ref<__VA_ARGS__> : KVT_KERNEL(name)<__VA_ARGS__>)
-#define KVT_PICK_A16_T(impl, name, ...) \
-    ((impl) == Impl::Ref ? name##_ref<__VA_ARGS__> : KVT_KERNEL_A16(name)<__VA_ARGS__>)
-#define KVT_PICK_A16(impl, name) ((impl) == Impl::Ref ? name##_ref : KVT_KERNEL_A16(name))
-// clang-format on
-
 namespace {
+
+// The two tables of the motion-estimation families, per tier and as the oracle.
+struct MeTables {
+    SadDsp sad;
+    MeDsp me;
+};
+void init_tables(MeTables& t, unsigned flags) { init_sad_dsp(t.sad, flags), init_me_dsp(t.me, flags); }
+void init_oracle(MeTables& t) { ref::init_sad(t.sad), ref::init_me(t.me); }
 
 constexpr int kPhaseTypes[4] = {0, 4, 8, 12};
 
@@ -71,19 +67,14 @@ uint8_t* guarded_block(PageGuarded& buf, int cols, int rows, int step, Rng& rng,
     return step < 0 ? p + up : p;
 }
 
-// The residual fronts and kernel tables of one block size.
+// The residual fronts of one block size (in the order of ResidualSize).
 struct Size {
     int w, h;
     decltype(&kvtiGetDiff16x16_8u16s_C1) fn;
     decltype(&kvtiGetDiff16x16B_8u16s_C1) fn_b;
-    const GetDiffTable *ref, *simd;
-    const GetDiffBTable *ref_b, *simd_b;
 };
-#define KVT_SIZE(w, h)                                                                                      \
-    Size {                                                                                                  \
-        w, h, kvtiGetDiff##w##x##h##_8u16s_C1, kvtiGetDiff##w##x##h##B_8u16s_C1, &get_diff_##w##x##h##_ref, \
-            &KVT_KERNEL(get_diff_##w##x##h), &get_diff_b_##w##x##h##_ref, &KVT_KERNEL(get_diff_b_##w##x##h) \
-    }
+#define KVT_SIZE(w, h) \
+    Size { w, h, kvtiGetDiff##w##x##h##_8u16s_C1, kvtiGetDiff##w##x##h##B_8u16s_C1 }
 const Size kSizes[] = {KVT_SIZE(16, 16), KVT_SIZE(16, 8), KVT_SIZE(8, 16), KVT_SIZE(8, 8), KVT_SIZE(8, 4)};
 #undef KVT_SIZE
 
@@ -130,78 +121,53 @@ struct Args {
     uint8_t et, en;     // edge thresholds
 };
 
-// Calls every kernel of the family (reference or dispatched, the aligned twins when the current
-// block allows) in every phase, phase pair and table entry, taking blocks from blk(w, h, f, b)
-// for a w x h current block whose references take half steps f and b; sink(name, variant) after
-// each call.
-// The oracle's SAD table, or the table the library uses on this processor.
-const SadDsp& sad_table(Impl impl) {
-    static const SadDsp oracle = [] {
-        SadDsp d{};
-        ref::init_sad(d);
-        return d;
-    }();
-    static const SadDsp best = [] {
-        SadDsp d{};
-        init_sad_dsp(d, cpu_flags());
-        return d;
-    }();
-    return impl == Impl::Ref ? oracle : best;
-}
-
+// Calls every kernel of the tables (the aligned ones when the current block allows) in every
+// phase, phase pair and residual entry, taking blocks from blk(w, h, f, b) for a w x h current
+// block whose references take half steps f and b; sink(name, variant) after each call.
 template <class Blocks, class Sink>
-void every_kernel(Impl impl, const Args& a, Blocks&& blk, Sink&& sink) {
+void every_kernel(const MeTables& tables, const Args& a, Blocks&& blk, Sink&& sink) {
     int32_t* const s = reinterpret_cast<int32_t*>(a.s);
-    const SadDsp& sad = sad_table(impl);
-    for (int f : kPhaseTypes)
-        with_phase(f, [&](auto fp) {
-            constexpr int t = decltype(fp)::value;
-            const In x = blk(16, 16, t, 0), y = blk(8, 8, t, 0), h = blk(16, 8, t, 0);
-            const bool al = aligned16(x.c, x.cs);
-            sad.sad16[t / 4](x.c, x.cs, x.r, x.rs, s), sink("sad16x16", t);
-            sad.sad8[t / 4](y.c, y.cs, y.r, y.rs, s), sink("sad8x8", t);
-            KVT_PICK_T(impl, sqrdiff_16x16, t)(x.c, x.cs, x.r, x.rs, s), sink("sqrdiff", t);
-            if (al) sad.sad16_a16[t / 4](x.c, x.cs, x.r, x.rs, s), sink("sad16x16 a16", t);
-            if (al) KVT_PICK_A16_T(impl, sqrdiff_16x16, t)(x.c, x.cs, x.r, x.rs, s), sink("sqrdiff a16", t);
-            KVT_PICK_T(impl, varmeandiff_16x16, t)(x.c, x.cs, x.r, x.rs, a.sums, s, s + 4), sink("vmd16", t);
-            KVT_PICK_T(impl, varmeandiff_16x8, t)(h.c, h.cs, h.r, h.rs, a.sums, s, s + 4), sink("vmd8", t);
-            for (int g : kPhaseTypes)
-                with_phase(g, [&](auto gp) {
-                    constexpr int u = decltype(gp)::value;
-                    const In z = blk(16, 16, t, u);
-                    KVT_PICK_T(impl, sqrdiff_16x16b, t, u)(z.c, z.cs, z.r, z.rs, z.r2, z.rs2, s);
-                    sink("sqrdiff_b", u);
-                    if (!aligned16(z.c, z.cs)) return;
-                    KVT_PICK_A16_T(impl, sqrdiff_16x16b, t, u)(z.c, z.cs, z.r, z.rs, z.r2, z.rs2, s);
-                    sink("sqrdiff_b a16", u);
-                });
-        });
+    const SadDsp& sad = tables.sad;
+    const MeDsp& me = tables.me;
+    for (int p = 0; p < 4; ++p) {
+        const In x = blk(16, 16, 4 * p, 0), y = blk(8, 8, 4 * p, 0), h = blk(16, 8, 4 * p, 0);
+        const bool al = aligned16(x.c, x.cs);
+        sad.sad16[p](x.c, x.cs, x.r, x.rs, s), sink("sad16x16", p);
+        sad.sad8[p](y.c, y.cs, y.r, y.rs, s), sink("sad8x8", p);
+        me.sqrdiff16[p](x.c, x.cs, x.r, x.rs, s), sink("sqrdiff", p);
+        if (al) sad.sad16_a16[p](x.c, x.cs, x.r, x.rs, s), sink("sad16x16 a16", p);
+        me.varmeandiff16x16[p](x.c, x.cs, x.r, x.rs, a.sums, s, s + 4), sink("vmd16", p);
+        me.varmeandiff16x8[p](h.c, h.cs, h.r, h.rs, a.sums, s, s + 4), sink("vmd8", p);
+        for (int q = 0; q < 4; ++q) {
+            const In z = blk(16, 16, 4 * p, 4 * q);
+            me.sqrdiff16b[p + 4 * q](z.c, z.cs, z.r, z.rs, z.r2, z.rs2, s), sink("sqrdiff_b", p + 4 * q);
+        }
+    }
     const In x = blk(16, 16, 0, 0), y = blk(8, 8, 0, 0), q = blk(4, 4, 0, 0);
     int16_t* const s16 = reinterpret_cast<int16_t*>(a.s);
     uint16_t* const u16 = reinterpret_cast<uint16_t*>(a.s);
     int16_t* const tiles = a.rc ? a.tiles : nullptr;
-    KVT_PICK(impl, variance_16x16)(x.c, x.cs, s), sink("variance", 0);
-    if (aligned16(x.c, x.cs)) KVT_PICK_A16(impl, variance_16x16)(x.c, x.cs, s), sink("variance a16", 0);
-    KVT_PICK(impl, mean_abs_dev_16x16)(x.c, x.cs, s), sink("mad", 0);
-    KVT_PICK(impl, edges_16x16)(x.c, x.cs, a.et, a.en, a.s), sink("edges", 0);
+    me.variance16(x.c, x.cs, s), sink("variance", 0);
+    me.mean_abs_dev16(x.c, x.cs, s), sink("mad", 0);
+    me.edges16(x.c, x.cs, a.et, a.en, a.s), sink("edges", 0);
     sad.blocks8x8(x.c, x.cs, x.r, x.rs, u16), sink("blocks8x8", 0);
     sad.blocks4x4(x.c, x.cs, x.r, x.rs, u16), sink("blocks4x4", 0);
-    KVT_PICK(impl, sums_diff_16x16)(x.c, x.cs, x.r, x.rs, s16, tiles), sink("sums16", 0);
-    KVT_PICK(impl, varmean_8x8_8u)(y.c, y.cs, s, s + 1), sink("varmean", 0);
-    KVT_PICK(impl, varmean_8x8_16s)(a.w, a.ws, s, s + 1), sink("varmean 16s", 0);
-    KVT_PICK(impl, sums_diff_8x8)(y.c, y.cs, y.r, y.rs, s16, tiles), sink("sums8", 0);
-    KVT_PICK(impl, texture_error)(y.c, y.cs, a.tp, a.tiles, a.rc ? s : nullptr), sink("texture error", 0);
+    me.sums_diff16x16(x.c, x.cs, x.r, x.rs, s16, tiles), sink("sums16", 0);
+    me.varmean8x8(y.c, y.cs, s, s + 1), sink("varmean", 0);
+    me.varmean8x8_16s(a.w, a.ws, s, s + 1), sink("varmean 16s", 0);
+    me.sums_diff8x8(y.c, y.cs, y.r, y.rs, s16, tiles), sink("sums8", 0);
+    me.texture_error(y.c, y.cs, a.tp, a.tiles, a.rc ? s : nullptr), sink("texture error", 0);
     sad.sad4(q.c, q.cs, q.r, q.rs, s), sink("sad4x4", 0);
-    get_diff_4x4_ref(q.c, q.cs, q.r, q.rs, a.diff, a.ds), sink("get_diff 4x4", 0);
-    for (const Size& z : kSizes)
+    me.get_diff4x4(q.c, q.cs, q.r, q.rs, a.diff, a.ds), sink("get_diff 4x4", 0);
+    for (int z = 0; z < kResidualSizes; ++z)
         for (int i = 0; i < 16; ++i) {  // variant: size and table entry
-            const GetDiffTable& t = impl == Impl::Ref ? *z.ref : *z.simd;
-            const GetDiffBTable& tb = impl == Impl::Ref ? *z.ref_b : *z.simd_b;
-            const In g = blk(z.w, z.h, (i & 6) << 1, 0), gb = blk(z.w, z.h, (i & 3) << 2, i & 12);
-            const int v = int(&z - kSizes) * 16 + i;
+            const In g = blk(kSizes[z].w, kSizes[z].h, (i & 6) << 1, 0);
+            const In gb = blk(kSizes[z].w, kSizes[z].h, (i & 3) << 2, i & 12);
             if (i < 8)
-                t[size_t(i)](g.c, g.cs, g.r, g.rs, a.diff, a.ds, a.pred, a.ps, a.rc), sink("get_diff", v);
-            tb[size_t(i)](gb.c, gb.cs, gb.r, gb.rs, gb.r2, gb.rs2, a.diff, a.ds, a.rc), sink("get_diff_b", v);
+                me.get_diff[z][i](g.c, g.cs, g.r, g.rs, a.diff, a.ds, a.pred, a.ps, a.rc),
+                    sink("get_diff", z * 16 + i);
+            me.get_diff_b[z][i](gb.c, gb.cs, gb.r, gb.rs, gb.r2, gb.rs2, a.diff, a.ds, a.rc);
+            sink("get_diff_b", z * 16 + i);
         }
 }
 
@@ -272,51 +238,61 @@ TEST(MeBounds, EveryKernelReadsOnlyWhatItsPhaseNeeds) {
     alignas(16) uint8_t s[64];
     int16_t diff[256], pred[256], tiles[256];
     const auto* w16 = reinterpret_cast<const int16_t*>(guarded_block(wb, 16, 8, 18, rng));
-    for (int cs : {16, 40})
-        for (Impl impl : {Impl::Ref, Impl::Simd}) {
-            const int rs = cs == 16 ? 20 : -21;
-            const Args a{
-                diff, pred, tiles, 32, 32, cs == 16, s, o4, w16, 18, guarded_block(pb, 64, 1, 64, rng),
-                255,  0};
-            auto blk = [&](int cols, int rows, int f, int b) {
-                const uint8_t* c = guarded_block(cb, cols, rows, cs, rng);
-                const uint8_t* r = guarded_block(rb, cols, rows, rs, rng, f);
-                return In{c, r, guarded_block(rb2, cols, rows, -rs, rng, b), cs, rs, -rs};
-            };
-            every_kernel(impl, a, blk, [](const char*, int) {});
-        }
+    MeTables oracle_tables{};
+    init_oracle(oracle_tables);
+    const MeTables& oracle = oracle_tables;
+    for_each_tier<MeTables>(init_tables, [&](const MeTables& tier, const Tier&) {
+        for (const MeTables* tables : {&oracle, &tier})
+            for (int cs : {16, 40}) {
+                const int rs = cs == 16 ? 20 : -21;
+                const Args a{
+                    diff, pred, tiles, 32, 32, cs == 16, s, o4, w16, 18, guarded_block(pb, 64, 1, 64, rng),
+                    255,  0};
+                auto blk = [&](int cols, int rows, int f, int b) {
+                    const uint8_t* c = guarded_block(cb, cols, rows, cs, rng);
+                    const uint8_t* r = guarded_block(rb, cols, rows, rs, rng, f);
+                    return In{c, r, guarded_block(rb2, cols, rows, -rs, rng, b), cs, rs, -rs};
+                };
+                every_kernel(*tables, a, blk, [](const char*, int) {});
+            }
+    });
 }
 
-// Reference against SIMD for every kernel and phase: random and extreme blocks (all 0 against all
+// Every tier against the oracle for every kernel and phase: random and extreme blocks (all 0 against all
 // 255, alternating), unaligned rows, negative steps and odd ones for the 16-bit residual outputs;
 // the current block is aligned one time in three for the aligned twins.
-TEST(MeSimd, EveryKernelMatchesReference) {
-    compare_kernels("me", 400, [](Rng& rng, Impl impl, Outputs& out) {
-        Block<> cur(rng, 16, 16, any_pattern(rng), 0, 255, rng.uniform(0, 2) == 0),
-            ref(rng, 17, 17, any_pattern(rng)), ref2(rng, 17, 17, any_pattern(rng));
-        Block<int16_t> w(rng, 8, 8, any_pattern(rng), rng.coin() ? -32768 : -200, rng.coin() ? 32767 : 200);
-        auto out_plane = [&rng] {  // 16-bit rows addressed by byte: odd steps allowed
-            return Plane<uint8_t>(32, 16, Block<>::step_for(rng, 32, false), size_t(rng.uniform(0, 7)) * 2);
-        };
-        Plane<uint8_t> diff = out_plane(), pred = out_plane();
-        Guarded<int16_t> tiles(256, size_t(rng.uniform(0, 7)) * 2);
-        alignas(16) uint8_t s[64], tp[64];
-        int32_t sm[4];
-        rng.fill(sm, 4, rng.coin() ? 0 : -(1 << 30), rng.coin() ? 16320 : 1 << 30);
-        rng.fill(tp, 64, 0, rng.coin() ? 255 : 0);
-        std::fill(s, s + 64, 0xA5);
-        const uint8_t et = uint8_t(rng.coin() ? rng.uniform(0, 40) : rng.next()), en = uint8_t(rng.next());
-        auto p16 = [](Plane<uint8_t>& p) { return reinterpret_cast<int16_t*>(p.data()); };
-        const Args a{p16(diff), p16(pred), tiles.data(), diff.step(), pred.step(), rng.uniform(0, 1), s, sm,
-                     w.data(),  w.step(),  tp,           et,          en};
-        const In in{cur.data(), ref.data(), ref2.data(), cur.step(), ref.step(), ref2.step()};
-        auto blk = [&](int, int, int, int) { return in; };
-        every_kernel(impl, a, blk, [&](const char* name, int v) {
-            const std::string n = std::string(name) + " " + std::to_string(v);
-            out.add(n, s), out.add_buffer(n + " diff", diff), out.add_buffer(n + " pred", pred);
-            out.add_buffer(n + " tiles", tiles), std::fill(s, s + 64, 0xA5);
+TEST(MeTiers, EveryKernelMatchesOracle) {
+    compare_tiers<MeTables>(
+        "me", init_tables, init_oracle, 400, [](Rng& rng, const MeTables& t, Outputs& out) {
+            Block<> cur(rng, 16, 16, any_pattern(rng), 0, 255, rng.uniform(0, 2) == 0),
+                ref(rng, 17, 17, any_pattern(rng)), ref2(rng, 17, 17, any_pattern(rng));
+            Block<int16_t> w(rng, 8, 8, any_pattern(rng), rng.coin() ? -32768 : -200,
+                             rng.coin() ? 32767 : 200);
+            auto out_plane = [&rng] {  // 16-bit rows addressed by byte: odd steps allowed
+                return Plane<uint8_t>(32, 16, Block<>::step_for(rng, 32, false),
+                                      size_t(rng.uniform(0, 7)) * 2);
+            };
+            Plane<uint8_t> diff = out_plane(), pred = out_plane();
+            Guarded<int16_t> tiles(256, size_t(rng.uniform(0, 7)) * 2);
+            alignas(16) uint8_t s[64], tp[64];
+            int32_t sm[4];
+            rng.fill(sm, 4, rng.coin() ? 0 : -(1 << 30), rng.coin() ? 16320 : 1 << 30);
+            rng.fill(tp, 64, 0, rng.coin() ? 255 : 0);
+            std::fill(s, s + 64, 0xA5);
+            const uint8_t et = uint8_t(rng.coin() ? rng.uniform(0, 40) : rng.next()),
+                          en = uint8_t(rng.next());
+            auto p16 = [](Plane<uint8_t>& p) { return reinterpret_cast<int16_t*>(p.data()); };
+            const Args a{p16(diff), p16(pred), tiles.data(), diff.step(), pred.step(), rng.uniform(0, 1),
+                         s,         sm,        w.data(),     w.step(),    tp,          et,
+                         en};
+            const In in{cur.data(), ref.data(), ref2.data(), cur.step(), ref.step(), ref2.step()};
+            auto blk = [&](int, int, int, int) { return in; };
+            every_kernel(t, a, blk, [&](const char* name, int v) {
+                const std::string n = std::string(name) + " " + std::to_string(v);
+                out.add(n, s), out.add_buffer(n + " diff", diff), out.add_buffer(n + " pred", pred);
+                out.add_buffer(n + " tiles", tiles), std::fill(s, s + 64, 0xA5);
+            });
         });
-    });
 }
 
 // Every public function against models written from the formulas, on random blocks. Trials 0..35

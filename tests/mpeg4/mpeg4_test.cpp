@@ -5,43 +5,31 @@
 // strings of '0' and '1', independent of the library's bit writer.
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <cstdlib>
 #include <functional>
 #include <map>
 
+#include "bit_string.h"
 #include "checkasm.h"
 #include "kvtvc.h"
+#include "mpeg4/h263_mv_dsp.h"
+#include "mpeg4/mb_header_dsp.h"
+#include "mpeg4/motion_vector_dsp.h"
 #include "tsv.h"
 
+using namespace kvt;
 using namespace kvt::test;
 using Vecs = std::array<KvtMotionVec, 4>;
 
 static bool operator==(KvtMotionVec a, KvtMotionVec b) { return a.dx == b.dx && a.dy == b.dy; }
-std::ostream& operator<<(std::ostream& o, KvtMotionVec v) { return o << '(' << v.dx << ',' << v.dy << ')'; }
+static std::ostream& operator<<(std::ostream& o, KvtMotionVec v) {
+    return o << '(' << v.dx << ',' << v.dy << ')';
+}
 
 namespace {
 
 constexpr KvtMotionVec n9{9, 9};  // outputs start as this, so what a reader left alone shows
 constexpr Vecs none{{n9, n9, n9, n9}};
-
-std::string to_bits(uint32_t v, int n) { return std::bitset<32>(v).to_string().substr(size_t(32 - n)); }
-
-// `bits` packed most significant first, `skip` bits into random bytes with 8 more random bytes
-// behind (the readers look ahead past the last code); the cursor on the first of `bits`.
-struct Stream {
-    std::vector<uint8_t> b;
-    uint8_t* p;
-    int offset;
-    Stream(Rng& rng, const std::string& bits, int skip) : b((size_t(skip) + bits.size()) / 8 + 9) {
-        for (auto& x : b) x = uint8_t(rng.next());
-        for (size_t i = 0, j = size_t(skip); i < bits.size(); ++i, ++j)
-            b[j / 8] = uint8_t((b[j / 8] & ~(0x80 >> j % 8)) | (bits[i] - '0') << (7 - j % 8));
-        p = &b[size_t(skip / 8)];
-        offset = skip % 8;
-    }
-    long pos() const { return offset >> 3 ? -1 : long(p - b.data()) * 8 + offset; }  // -1: offset not 0..7
-};
 
 // A difference d brought into the range of 32 << fcode half samples centred on zero.
 int wrap_mv(int d, int fcode) { return ((d + (48 << fcode)) & ((32 << fcode) - 1)) - (16 << fcode); }
@@ -289,6 +277,54 @@ TEST(H263Mpeg4, Mpeg4LimitToRectangle) {
         ASSERT_EQ(kvtiLimitMVToRect_MPEG4(&in, &out, &r, Kvt32u(k[1]), Kvt32u(k[1]), k[4]), kvtStsOk);
         EXPECT_EQ(out, (KvtMotionVec{int16_t(k[5]), int16_t(k[5])})) << k[0] << " at " << k[1];
     }
+}
+
+// The three C tables against the oracle (the same source, unvectorised): every slot on random
+// streams at random offsets, random vectors, flags and temporal distances.
+struct Mpeg4Tables {
+    H263MvDsp h263;
+    MbHeaderDsp header;
+    MotionVectorDsp mv;
+};
+TEST(H263Mpeg4, KernelTablesMatchOracle) {
+    const auto init = [](Mpeg4Tables& t, unsigned f) {
+        init_h263_mv_dsp(t.h263, f), init_mb_header_dsp(t.header, f), init_motion_vector_dsp(t.mv, f);
+    };
+    const auto oracle = [](Mpeg4Tables& t) {
+        ref::init_h263_mv(t.h263), ref::init_mb_header(t.header), ref::init_motion_vector(t.mv);
+    };
+    compare_tiers<Mpeg4Tables>("mpeg4", init, oracle, 300, [](Rng& rng, const Mpeg4Tables& t, Outputs& out) {
+        std::string bits(512, '0');
+        for (char& c : bits) c = char('0' + rng.coin());
+        Stream s(rng, bits, rng.uniform(0, 7));
+        Vecs v[4];
+        for (Vecs& set : v) std::generate(set.begin(), set.end(), [&] { return random_mv(rng, 1); });
+        uint8_t present[4], hdr = 0;
+        rng.fill(present, 4, 0, 1);
+        uint32_t quant = uint32_t(rng.uniform(1, 31));
+        const int fcode = rng.uniform(1, 7), trd = rng.uniform(1, 30), trb = rng.uniform(1, trd);
+        const MvNeighbours nb{v[0].data(), v[1].data(), v[2].data(), rng.coin(), rng.coin(), rng.coin()};
+        const KvtRegionRect rect{rng.uniform(-64, 64), rng.uniform(-64, 64), 64, 48};
+        const auto sink = [&](const char* name, KvtStatus st) {
+            out.add(name, st), out.add(name, s.pos()), out.add(name, v), out.add(name, hdr),
+                out.add(name, quant);
+        };
+        sink("h263 mv", t.h263.decode_mv(&s.p, &s.offset, v[0][0], v[1][1], v[2][2], &v[3][0]));
+        for (auto k : {t.header.mcbpc_intra, t.header.mcbpc_inter, t.header.modb, t.header.cbpy})
+            sink("header", k(&s.p, &s.offset, &hdr));
+        sink("quant", t.header.update_quant_mq(&s.p, &s.offset, &quant));
+        sink("mv", t.mv.decode_mv(&s.p, &s.offset, &v[3][1], fcode));
+        sink("pvop",
+             t.mv.decode_pad_mv_pvop(&s.p, &s.offset, nb, v[3].data(), present, fcode, rng.uniform(0, 5)));
+        sink("direct", t.mv.decode_direct_mv(&s.p, &s.offset, v[0].data(), v[1].data(), v[2].data(),
+                                             rng.coin(), trb, trd));
+        sink("skip", t.mv.direct_mv(v[3].data(), v[0].data(), v[1].data(), true, trb, trd, 0, 0));
+        sink("pad", t.mv.pad_mv(v[2].data(), present));
+        sink("chroma", t.mv.chroma_mv(&v[1][0], &v[0][3]));
+        sink("chroma4", t.mv.chroma4_mv(v[1].data(), present, &v[0][2]));
+        sink("limit", t.mv.limit_mv_to_rect(&v[3][3], rect, uint32_t(rng.uniform(0, 200)), 40,
+                                            8 << rng.coin(), &v[0][1]));
+    });
 }
 
 // Each row passes one or more bad arguments; the status names the first check in the order:

@@ -3,23 +3,18 @@
 // Table 14 has the code words of the MPEG-4 difference code (magnitude, then sign) for -32..31
 // half samples; the word for +32 is not in it. Each word stands for two differences 64 apart and
 // the one that keeps the vector inside [-16, 15.5] is meant, which is the fcode-1 wrap.
-#include "mpeg4/h263_mv_kernels.h"
+#include "common/bits.h"
+#include "common/kernel.h"
+#include "mpeg4/h263_mv_dsp.h"
 #include "mpeg4/mvd_code.h"
 
-namespace kvt {
+namespace kvt::KVT_C_NS {
 namespace {
-
-int median3(int a, int b, int c) {
-    const int lo = a < b ? a : b, hi = a < b ? b : a;
-    return c < lo ? lo : (c > hi ? hi : c);
-}
 
 bool read_h263_mvd(ByteCursor& c, int* d) { return read_mvd_component(c, 0, d) && *d != 32; }
 
-}  // namespace
-
-int decode_mv_h263_ref(uint8_t** pp, int* pOffset, KvtMotionVec left, KvtMotionVec upper,
-                       KvtMotionVec upper_right, KvtMotionVec* dst) {
+KvtStatus decode_mv(uint8_t** pp, int* pOffset, KvtMotionVec left, KvtMotionVec upper,
+                    KvtMotionVec upper_right, KvtMotionVec* dst) {
     ByteCursor c{*pp, *pOffset};
     int dx, dy;
     if (!read_h263_mvd(c, &dx) || !read_h263_mvd(c, &dy)) return kvtStsBadMvdCode;
@@ -29,4 +24,8 @@ int decode_mv_h263_ref(uint8_t** pp, int* pOffset, KvtMotionVec left, KvtMotionV
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_h263_mv(H263MvDsp& d) { d.decode_mv = decode_mv; }
+
+}  // namespace kvt::KVT_C_NS

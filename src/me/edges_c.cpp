@@ -1,15 +1,19 @@
-// Reference edge detector, written plainly from the definition.
+// Portable edge detector, written plainly from the definition.
 #include <algorithm>
 #include <cstdlib>
 
-#include "me/edges_kernels.h"
+#include "common/kernel.h"
+#include "me/edges_count.h"
+#include "me/me_dsp.h"
 
-namespace kvt {
+namespace kvt::KVT_C_NS {
+
+namespace {
 
 // Rows 0..14 against their right and lower neighbours, columns 0..14; differences clamped to
 // 127 and compared with the threshold as signed 8-bit values (128 and above flag everything).
-KvtStatus edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
-                          uint8_t* flag) {
+KvtStatus edges16(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
+                  uint8_t* flag) {
     const int8_t t = int8_t(diff_threshold);
     uint8_t k = 0;
     for (int r = 0; r < 15; ++r) {
@@ -29,4 +33,8 @@ KvtStatus edges_16x16_ref(const uint8_t* src, int step, uint8_t diff_threshold, 
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_edges(MeDsp& d) { d.edges16 = edges16; }
+
+}  // namespace kvt::KVT_C_NS

@@ -1,13 +1,15 @@
-// Reference kernel of the shape-coding texture error: an 8x8 residual against 64 contiguous
+// Portable kernel of the shape-coding texture error: an 8x8 residual against 64 contiguous
 // prediction samples, with the sum of its magnitudes on request.
 #include <cstdlib>
 
-#include "me/residual_kernels.h"
+#include "common/kernel.h"
+#include "me/me_dsp.h"
 
-namespace kvt {
+namespace kvt::KVT_C_NS {
 
-KvtStatus texture_error_ref(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff,
-                            int32_t* sad) {
+namespace {
+
+KvtStatus texture_error(const uint8_t* src, int src_step, const uint8_t* pred, int16_t* diff, int32_t* sad) {
     int32_t total = 0;
     for (int y = 0; y < 8; ++y) {
         const uint8_t* s = src + static_cast<intptr_t>(y) * src_step;
@@ -21,4 +23,8 @@ KvtStatus texture_error_ref(const uint8_t* src, int src_step, const uint8_t* pre
     return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_texture_error(MeDsp& d) { d.texture_error = texture_error; }
+
+}  // namespace kvt::KVT_C_NS

@@ -1,8 +1,9 @@
-// Reference squared-difference kernels, written plainly from the definitions.
-#include "me/phase.h"
-#include "me/sqrdiff_kernels.h"
+// Portable squared-difference kernels, written plainly from the definitions.
+#include "common/kernel.h"
+#include "me/halfpel.h"
+#include "me/me_dsp.h"
 
-namespace kvt {
+namespace kvt::KVT_C_NS {
 
 namespace {
 
@@ -15,11 +16,8 @@ int fixed_pred_general(const uint8_t* ref, int step, int x, int y, int type) {
     return (p[0] + p[h] + p[down] + p[down + h] + (type != 0 ? 2 : 0)) >> 2;
 }
 
-}  // namespace
-
 template <int type>
-KvtStatus sqrdiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step,
-                            int32_t* sum) {
+KvtStatus sqrdiff16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sum) {
     int32_t s = 0;
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) {
@@ -32,8 +30,8 @@ KvtStatus sqrdiff_16x16_ref(const uint8_t* cur, int cur_step, const uint8_t* ref
 }
 
 template <int tf, int tb>
-KvtStatus sqrdiff_16x16b_ref(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step,
-                             const uint8_t* bwd, int bwd_step, int32_t* sum) {
+KvtStatus sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int fwd_step, const uint8_t* bwd,
+                     int bwd_step, int32_t* sum) {
     int32_t s = 0;
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) {
@@ -46,14 +44,12 @@ KvtStatus sqrdiff_16x16b_ref(const uint8_t* cur, int cur_step, const uint8_t* fw
     return kvtStsOk;
 }
 
-#define KVT_INSTANTIATE(t) \
-    template KvtStatus sqrdiff_16x16_ref<t>(const uint8_t*, int, const uint8_t*, int, int32_t*);
-#define KVT_INSTANTIATE_B(f, b)                                                                           \
-    template KvtStatus sqrdiff_16x16b_ref<f, b>(const uint8_t*, int, const uint8_t*, int, const uint8_t*, \
-                                                int, int32_t*);
-KVT_FOR_EACH_PHASE(KVT_INSTANTIATE)
-KVT_FOR_EACH_PHASE_PAIR(KVT_INSTANTIATE_B)
-#undef KVT_INSTANTIATE
-#undef KVT_INSTANTIATE_B
+}  // namespace
 
-}  // namespace kvt
+void init_sqrdiff(MeDsp& d) {
+    fill_slots(d.sqrdiff16, [](auto p) { return sqrdiff16<decltype(p)::value * 4>; });
+    fill_slots(d.sqrdiff16b,
+               [](auto i) { return sqrdiff16b<decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4>; });
+}
+
+}  // namespace kvt::KVT_C_NS

@@ -1,17 +1,14 @@
 // MPEG-4 motion vectors: difference decoding against the median predictor (ISO/IEC 14496-2
 // 7.6.3), B-VOP direct mode (7.6.9.5), vector padding, chroma vectors and the reference-area limit.
-#include "mpeg4/motion_vector_kernels.h"
+#include "common/bits.h"
+#include "common/kernel.h"
+#include "mpeg4/motion_vector_dsp.h"
 #include "mpeg4/mvd_code.h"
 
-namespace kvt {
+namespace kvt::KVT_C_NS {
 namespace {
 
 constexpr bool four_vector_type(int mb_type) { return mb_type == 2 || mb_type == 5; }
-
-int median3(int a, int b, int c) {
-    const int lo = a < b ? a : b, hi = a < b ? b : a;
-    return c < lo ? lo : (c > hi ? hi : c);
-}
 
 // Where the three predictor candidates of each block come from.
 enum Source : uint8_t { kLeft, kUpper, kUpperRight, kCurrent };
@@ -30,10 +27,14 @@ constexpr Candidate kCandidates[4][3] = {
 const KvtMotionVec* candidate(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present,
                               Candidate c) {
     switch (c.src) {
-        case kLeft: return nb.left_ok ? nb.left + c.block : nullptr;
-        case kUpper: return nb.upper_ok ? nb.upper + c.block : nullptr;
-        case kUpperRight: return nb.upper_right_ok ? nb.upper_right + c.block : nullptr;
-        default: return present[c.block] ? cur + c.block : nullptr;
+        case kLeft:
+            return nb.left_ok ? nb.left + c.block : nullptr;
+        case kUpper:
+            return nb.upper_ok ? nb.upper + c.block : nullptr;
+        case kUpperRight:
+            return nb.upper_right_ok ? nb.upper_right + c.block : nullptr;
+        default:
+            return present[c.block] ? cur + c.block : nullptr;
     }
 }
 
@@ -76,9 +77,7 @@ int16_t limit_component(int v, uint32_t p, int o, int e, int s) {
     return int16_t(v);
 }
 
-}  // namespace
-
-KvtMotionVec predict_mv_mpeg4_ref(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present, int b) {
+KvtMotionVec predict_mv(const MvNeighbours& nb, const KvtMotionVec* cur, const uint8_t* present, int b) {
     const KvtMotionVec zero{0, 0};
     const KvtMotionVec* c[3];
     int usable = 0;
@@ -94,7 +93,7 @@ KvtMotionVec predict_mv_mpeg4_ref(const MvNeighbours& nb, const KvtMotionVec* cu
                         int16_t(median3(c[0]->dy, c[1]->dy, c[2]->dy))};
 }
 
-int decode_mv_mpeg4_ref(uint8_t** pp, int* pOffset, KvtMotionVec* mv, int fcode) {
+KvtStatus decode_mv(uint8_t** pp, int* pOffset, KvtMotionVec* mv, int fcode) {
     ByteCursor c{*pp, *pOffset};
     int dx, dy;
     if (!read_mvd_component(c, fcode - 1, &dx) || !read_mvd_component(c, fcode - 1, &dy))
@@ -104,28 +103,40 @@ int decode_mv_mpeg4_ref(uint8_t** pp, int* pOffset, KvtMotionVec* mv, int fcode)
     return kvtStsOk;
 }
 
-int decode_pad_mv_pvop_mpeg4_ref(uint8_t** pp, int* pOffset, const MvNeighbours& nb, KvtMotionVec* cur,
-                                 const uint8_t* present, int fcode, int mb_type) {
+// Each absent block takes a present neighbour, in the order 0..3, so later blocks see the
+// vectors already replaced (the last choice is taken whether present or not).
+KvtStatus pad_mv(KvtMotionVec* set, const uint8_t* present) {
+    static constexpr uint8_t kOrder[4][3] = {{1, 2, 3}, {0, 3, 2}, {3, 0, 1}, {2, 1, 0}};
+    for (int b = 0; b < 4; ++b) {
+        if (present[b]) continue;
+        const uint8_t* o = kOrder[b];
+        set[b] = set[present[o[0]] ? o[0] : present[o[1]] ? o[1] : o[2]];
+    }
+    return kvtStsOk;
+}
+
+KvtStatus decode_pad_mv_pvop(uint8_t** pp, int* pOffset, const MvNeighbours& nb, KvtMotionVec* cur,
+                             const uint8_t* present, int fcode, int mb_type) {
     if (!four_vector_type(mb_type)) {
-        KvtMotionVec mv = predict_mv_mpeg4_ref(nb, cur, present, 0);
-        const int st = decode_mv_mpeg4_ref(pp, pOffset, &mv, fcode);
+        KvtMotionVec mv = predict_mv(nb, cur, present, 0);
+        const KvtStatus st = decode_mv(pp, pOffset, &mv, fcode);
         if (st != kvtStsOk) return st;
         for (int b = 0; b < 4; ++b) cur[b] = mv;
         return kvtStsOk;
     }
     for (int b = 0; b < 4; ++b) {
         if (!present[b]) continue;
-        KvtMotionVec mv = predict_mv_mpeg4_ref(nb, cur, present, b);
-        const int st = decode_mv_mpeg4_ref(pp, pOffset, &mv, fcode);
+        KvtMotionVec mv = predict_mv(nb, cur, present, b);
+        const KvtStatus st = decode_mv(pp, pOffset, &mv, fcode);
         if (st != kvtStsOk) return st;
         cur[b] = mv;
     }
-    pad_mv_mpeg4_ref(cur, present);
+    pad_mv(cur, present);
     return kvtStsOk;
 }
 
-int direct_mv_mpeg4_ref(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMotionVec* bwd, bool scaled,
-                        int trb, int trd, int dx, int dy) {
+KvtStatus direct_mv(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMotionVec* bwd, bool scaled, int trb,
+                    int trd, int dx, int dy) {
     for (int b = 0; b < 4; ++b) {
         if (!scaled) {
             fwd[b] = bwd[b] = KvtMotionVec{int16_t(dx), int16_t(dy)};
@@ -138,32 +149,21 @@ int direct_mv_mpeg4_ref(const KvtMotionVec* colocated, KvtMotionVec* fwd, KvtMot
     return kvtStsOk;
 }
 
-int decode_direct_mv_mpeg4_ref(uint8_t** pp, int* pOffset, const KvtMotionVec* colocated, KvtMotionVec* fwd,
-                               KvtMotionVec* bwd, bool scaled, int trb, int trd) {
+KvtStatus decode_direct_mv(uint8_t** pp, int* pOffset, const KvtMotionVec* colocated, KvtMotionVec* fwd,
+                           KvtMotionVec* bwd, bool scaled, int trb, int trd) {
     ByteCursor c{*pp, *pOffset};
     int dx, dy;
     if (!read_mvd_component(c, 0, &dx) || !read_mvd_component(c, 0, &dy)) return kvtStsBadMvCode;
     c.store(pp, pOffset);
-    return direct_mv_mpeg4_ref(colocated, fwd, bwd, scaled, trb, trd, dx, dy);
+    return direct_mv(colocated, fwd, bwd, scaled, trb, trd, dx, dy);
 }
 
-// Each absent block takes a present neighbour, in the order 0..3, so later blocks see the
-// vectors already replaced (the last choice is taken whether present or not).
-int pad_mv_mpeg4_ref(KvtMotionVec* set, const uint8_t* present) {
-    static constexpr uint8_t kOrder[4][3] = {{1, 2, 3}, {0, 3, 2}, {3, 0, 1}, {2, 1, 0}};
-    for (int b = 0; b < 4; ++b) {
-        if (present[b]) continue;
-        const uint8_t* o = kOrder[b];
-        set[b] = set[present[o[0]] ? o[0] : present[o[1]] ? o[1] : o[2]];
-    }
+KvtStatus chroma_mv(const KvtMotionVec* luma, KvtMotionVec* dst) {
+    *dst = KvtMotionVec{chroma_component(luma->dx), chroma_component(luma->dy)};
     return kvtStsOk;
 }
 
-KvtMotionVec chroma_mv_mpeg4_ref(KvtMotionVec luma) {
-    return KvtMotionVec{chroma_component(luma.dx), chroma_component(luma.dy)};
-}
-
-KvtMotionVec chroma4_mv_mpeg4_ref(const KvtMotionVec* set, const uint8_t* present) {
+KvtStatus chroma4_mv(const KvtMotionVec* set, const uint8_t* present, KvtMotionVec* dst) {
     int sx = 0, sy = 0, blocks = 0;
     for (int b = 0; b < 4; ++b) {
         if (!present[b]) continue;
@@ -171,12 +171,28 @@ KvtMotionVec chroma4_mv_mpeg4_ref(const KvtMotionVec* set, const uint8_t* presen
         sy += set[b].dy;
         ++blocks;
     }
-    return KvtMotionVec{chroma4_component(sx, blocks), chroma4_component(sy, blocks)};
+    *dst = KvtMotionVec{chroma4_component(sx, blocks), chroma4_component(sy, blocks)};
+    return kvtStsOk;
 }
 
-KvtMotionVec limit_mv_to_rect_ref(KvtMotionVec mv, const KvtRegionRect& rect, uint32_t x, uint32_t y, int size) {
-    return KvtMotionVec{limit_component(mv.dx, x, rect.x, rect.width, size),
-                        limit_component(mv.dy, y, rect.y, rect.height, size)};
+KvtStatus limit_mv_to_rect(const KvtMotionVec* mv, const KvtRegionRect& rect, uint32_t x, uint32_t y,
+                           int size, KvtMotionVec* dst) {
+    *dst = KvtMotionVec{limit_component(mv->dx, x, rect.x, rect.width, size),
+                        limit_component(mv->dy, y, rect.y, rect.height, size)};
+    return kvtStsOk;
 }
 
-}  // namespace kvt
+}  // namespace
+
+void init_motion_vector(MotionVectorDsp& d) {
+    d.decode_mv = decode_mv;
+    d.decode_pad_mv_pvop = decode_pad_mv_pvop;
+    d.direct_mv = direct_mv;
+    d.decode_direct_mv = decode_direct_mv;
+    d.pad_mv = pad_mv;
+    d.chroma_mv = chroma_mv;
+    d.chroma4_mv = chroma4_mv;
+    d.limit_mv_to_rect = limit_mv_to_rect;
+}
+
+}  // namespace kvt::KVT_C_NS

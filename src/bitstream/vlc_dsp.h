@@ -1,4 +1,5 @@
-// Kernels of the VLC tables: the builder, the one-code decoder and the word fill they share.
+// Kernel table of the VLC tables (the word fill of the builder), and the table layout the builder
+// and the one-code decoder share.
 //
 // A built table is one block of 32-bit words. Word 0 holds the root width R and the root's
 // 2^R entries follow it; each sub-table is a header word holding its width W followed by 2^W
@@ -12,14 +13,14 @@
 
 #include <cstdint>
 
-#include "common/dispatch.h"
+#include "kvtvc.h"
 
 namespace kvt {
 
 constexpr uint32_t kVlcEmpty = 0x00F0F101u;
 constexpr int32_t kVlcEmptyField = 0xF0F1;  // 61681: what a failed lookup reports
 constexpr uint32_t kVlcPointerTag = 0x80;
-constexpr int kVlcPlainWords = 16384;   // 65536-byte block
+constexpr int kVlcPlainWords = 16384;      // 65536-byte block
 constexpr int kVlcRunLevelWords = 262144;  // 1048576-byte block
 
 enum class VlcRecord { Plain, RunLevel };
@@ -29,13 +30,20 @@ enum class VlcRecord { Plain, RunLevel };
 template <VlcRecord kind>
 void vlc_build(const int32_t* desc, int32_t* table);
 
-// dst[0..n) = v. Wide stores start from an aligned address; the result equals a word loop.
-#define KVT_DECLARE_VLC_KERNELS(isa) void fill_32s_##isa(uint32_t v, int32_t* dst, int n);
+struct VlcDsp {
+    KvtStatus (*fill_32s)(uint32_t v, int32_t* dst, int n);  // dst[0..n) = v
+};
 
-KVT_DECLARE_VLC_KERNELS(ref)
-#if KVT_HAVE_SSE2
-KVT_DECLARE_VLC_KERNELS(sse2)
-#endif
-#undef KVT_DECLARE_VLC_KERNELS
+namespace c {
+void init_vlc(VlcDsp& d);
+}
+namespace ref {
+void init_vlc(VlcDsp& d);
+}
+namespace sse2 {
+void init_vlc(VlcDsp& d);
+}
+
+void init_vlc_dsp(VlcDsp& d, unsigned cpu_flags);
 
 }  // namespace kvt
