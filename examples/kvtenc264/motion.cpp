@@ -140,10 +140,10 @@ WholeSearch MotionSearch::search_whole(int mbx, int mby, Mv mvp, const Mv* candi
 Mv MotionSearch::refine(const Partition& p, Mv start, Mv mvp, const MvRange& range, int* cost) const {
     Mv best = start;
     int best_cost = sad(p, best) + mv_cost(best, mvp);
-    // Half samples: the eight around the whole-sample vector (read from the half-sample planes);
-    // quarter samples: the four nearest the best half-sample one (interpolated).
-    static const int kSquare[8][2] = {{-2, -2}, {0, -2}, {2, -2}, {-2, 0}, {2, 0}, {-2, 2}, {0, 2}, {2, 2}};
-    static const int kDiamond[4][2] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
+    // Half samples: the four beside the whole-sample vector (read from the half-sample planes);
+    // quarter samples: the four beside the best half-sample one (interpolated).
+    static const int kHalfCross[4][2] = {{0, -2}, {-2, 0}, {2, 0}, {0, 2}};
+    static const int kQuarterCross[4][2] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
     auto try_around = [&](const int(*steps)[2], int n) {
         const Mv center = best;
         for (int i = 0; i < n; ++i) {
@@ -153,8 +153,8 @@ Mv MotionSearch::refine(const Partition& p, Mv start, Mv mvp, const MvRange& ran
             if (c < best_cost) best_cost = c, best = m;
         }
     };
-    try_around(kSquare, 8);
-    try_around(kDiamond, 4);
+    try_around(kHalfCross, 4);
+    try_around(kQuarterCross, 4);
     *cost = best_cost;
     return best;
 }

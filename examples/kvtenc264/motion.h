@@ -3,7 +3,7 @@
 //    diamond walk) that scores every 16x8, 8x16 and 8x8 partition at the positions it visits,
 //    from the four 8x8 SADs of each position;
 //  - half- then quarter-sample refinement of a partition: half samples read from planes the
-//    library's interpolation builds once per reference picture, quarter samples interpolated.
+//    library's interpolation fills in as the search first reads them, quarter samples interpolated.
 // Costs are SAD + lambda * bits of the vector difference.
 #pragma once
 #include <vector>
