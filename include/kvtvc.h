@@ -589,6 +589,163 @@ KVTAPI KvtStatus kvtiQuantInv_H263_C1I(Kvt16s* pSrcDst, int QP);
 /* (end of section) */
 
 /* ---- Block motion compensation, prediction and reconstruction (MPEG-1/2, H.263, MPEG-4). ---- */
+/* Half-sample prediction of a block: with a the reference sample, b its right neighbour, c the one
+ * below and d the one below-right, and rounding control r, the phases are FF a, FH (a + c + 1 - r) >> 1,
+ * HF (a + b + 1 - r) >> 1 and HH (a + b + c + d + 2 - r) >> 2. Half-sample phases read one column
+ * (HF, HH) and one row (FH, HH) beyond the block; the caller provides them. */
+
+/* -- MPEG-1/2 block motion compensation (ISO/IEC 13818-2 7.6) -- */
+/* mcType bits 2 and 3 pick the phase (0 FF, 4 FH, 8 HF, 12 HH); other bits are ignored. r is used as
+ * given (0 or 1). The residual step is in bytes. Only the pointers are checked (-8). The UV forms
+ * take interleaved chroma (U V U V ...): the horizontal neighbour is two bytes to the right. */
+/* pDst = sat8(residual + prediction of the reference at mcType), for a WxH block. */
+KVTAPI KvtStatus kvtiMC16x16_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                   int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+/* As kvtiMC16x16_8u_C1 for the block size in the name. */
+KVTAPI KvtStatus kvtiMC16x8_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                  int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC16x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                  int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC8x16_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                  int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC8x8_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC8x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC4x8_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC4x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC4x2_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC2x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC2x2_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC16x8UV_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                    int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+/* pDst = sat8(residual + ((pF + pB + 1) >> 1)), pF and pB the predictions of the forward and backward
+ * references at their own mcType, both with roundControl. */
+KVTAPI KvtStatus kvtiMC16x16B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                    int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                    Kvt8u* pDst, int dstStep, int roundControl);
+/* As kvtiMC16x16B_8u_C1 for the block size in the name. */
+KVTAPI KvtStatus kvtiMC16x8B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                   int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                   Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC16x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                   int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                   Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC8x16B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                   int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                   Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC8x8B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC8x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC4x8B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC4x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC4x2B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC2x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC2x2B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC16x8BUV_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                     int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                     Kvt8u* pDst, int dstStep, int roundControl);
+/* Copies an 8x8 block; a step below 8 returns -169. */
+KVTAPI KvtStatus kvtiCopyBlock_8x8_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep);
+/* Copies a 16x16 block; a step below 16 returns -168. */
+KVTAPI KvtStatus kvtiCopyBlock_16x16_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep);
+/* Half-sample prediction (no residual) of a width x height block, width and height each 4, 8 or 16 (else
+ * -6), mcType as in kvtiMC16x16_8u_C1, rounding control 0 (MPEG-4 rounding_type 0). */
+KVTAPI KvtStatus kvtiMCBlock_RoundOff_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep, int width,
+                                         int height, int mcType);
+/* As kvtiMCBlock_RoundOff_8u with rounding control 1. */
+KVTAPI KvtStatus kvtiMCBlock_RoundOn_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep, int width,
+                                        int height, int mcType);
+
+/* -- H.263 prediction and reconstruction: source and destination share one step -- */
+/* Copies a 16x16 macroblock; step below 16: -81. */
+KVTAPI KvtStatus kvtiCopyMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* Copies an 8x8 block; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 16x16 horizontal half-sample prediction HF, r = 0; step below 16: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 8x8 HF, r = 0; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 16x16 vertical half-sample prediction FH, r = 0; step below 16: -82. */
+KVTAPI KvtStatus kvtiCopyApproxVMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 8x8 FH, r = 0; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyApproxVBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 16x16 HH, r = 0; step below 16: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHVMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 8x8 HH, r = 0; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHVBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* pDst = sat8(pSrcPred + 64 residuals, row by row) for an 8x8 block; step below 8: -82. */
+KVTAPI KvtStatus kvtiReconBlock_H263(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step);
+/* pSrcDst = sat8(pSrcDst + 64 residuals) for an 8x8 block; step below 8: -82. */
+KVTAPI KvtStatus kvtiReconBlock_H263_I(Kvt8u* pSrcDst, const Kvt16s* pSrcResid, int step);
+/* pDst = sat8(pSrcPred + residual) for a 16x16 macroblock; pSrcResid holds 256 values, the 8x8 luminance
+ * blocks top-left, top-right, bottom-left, bottom-right one after another; step below 16: -81. */
+KVTAPI KvtStatus kvtiReconMB_H263(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step);
+/* As kvtiReconMB_H263 in place. */
+KVTAPI KvtStatus kvtiReconMB_H263_I(Kvt8u* pSrcDst, const Kvt16s* pSrcResid, int step);
+/* pDst = sat8(pSrcPred + 64 residuals) for an 8x8 block; step below 8: -169. */
+KVTAPI KvtStatus kvtiReconBlock_8x8(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step);
+/* H.263 Annex F overlapped prediction of the 8x8 block at pSrcRef (reference and destination share step):
+ * (p0 * H0 + p1 * H1 + p2 * H2 + 4) >> 3 with p0 the prediction at *pMVCur, p1 at *pMVAbove (rows 0..3) or
+ * *pMVBelow (rows 4..7), p2 at *pMVLeft (columns 0..3) or *pMVRight (columns 4..7); half-sample vectors,
+ * rounding control 0. Each vector's prediction reads the 8x8 block it points to (plus the half-sample
+ * column and row). Null: reference, destination, current, left, right, above, below (-8); step < 8: -82. */
+KVTAPI KvtStatus kvtiPredictBlock_OBMC_8u(const Kvt8u* pSrcRef, Kvt8u* pDst, int step,
+                                          const KvtMotionVec* pMVCur, const KvtMotionVec* pMVLeft,
+                                          const KvtMotionVec* pMVRight, const KvtMotionVec* pMVAbove,
+                                          const KvtMotionVec* pMVBelow);
+/* Replicates the border samples of the width x height picture at pSrcDst outward by expandPels on all
+ * four sides, corners included (H.263 Annex D unrestricted vectors); checks: pointer -8, width < 8 -80,
+ * height < 1 -79, expandPels < 8 -78, step < 8 -82, step < width + 2 * expandPels -77. */
+KVTAPI KvtStatus kvtiExpandFrame_H263_8u(Kvt8u* pSrcDst, int width, int height, int expandPels, int step);
+
+/* -- MPEG-4 half-sample prediction (ISO/IEC 14496-2 7.6.2): the reference pointer is the block's
+ * co-located position; the vector (half samples) moves it by (dx >> 1, dy >> 1) and its odd bits pick
+ * the phase. roundControl: 0, or nonzero for rounding_type 1. Steps are not checked. -- */
+/* 8x8 prediction at *pMV; only pSrcRef and pDst are checked (-8). */
+KVTAPI KvtStatus kvtiCopyBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                               const KvtMotionVec* pMV, int roundControl);
+/* 16x16 prediction at *pMV; only pSrcRef and pDst are checked (-8). */
+KVTAPI KvtStatus kvtiCopyMBHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                            const KvtMotionVec* pMV, int roundControl);
+/* pDst = sat8(8x8 prediction at *pMV + 64 residuals); only pSrcRef and pDst are checked (-8). */
+KVTAPI KvtStatus kvtiReconBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcResid,
+                                                Kvt8u* pDst, int dstStep, const KvtMotionVec* pMV,
+                                                int roundControl);
+/* pDst = (pSrc1 + pSrc2 + 1) >> 1 over an 8x8 block. */
+KVTAPI KvtStatus kvtiAverageBlock_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,
+                                           Kvt8u* pDst, int dstStep);
+/* pDst = (pSrc1 + pSrc2 + 1) >> 1 over a 16x16 block. */
+KVTAPI KvtStatus kvtiAverageMB_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,
+                                        Kvt8u* pDst, int dstStep);
+/* pSrcDst = (pSrc + pSrcDst + 1) >> 1 over an 8x8 block. */
+KVTAPI KvtStatus kvtiAverageBlock_MPEG4_8u_I(const Kvt8u* pSrc, int srcStep, Kvt8u* pSrcDst, int srcDstStep);
+/* pSrcDst = (pSrc + pSrcDst + 1) >> 1 over a 16x16 block. */
+KVTAPI KvtStatus kvtiAverageMB_MPEG4_8u_I(const Kvt8u* pSrc, int srcStep, Kvt8u* pSrcDst, int srcDstStep);
+/* kvtiPredictBlock_OBMC_8u with separate steps and the rounding control of the half-sample predictions;
+ * only the pointers are checked (-8), in the same order. */
+KVTAPI KvtStatus kvtiOBMCHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                          const KvtMotionVec* pMVCur, const KvtMotionVec* pMVLeft,
+                                          const KvtMotionVec* pMVRight, const KvtMotionVec* pMVAbove,
+                                          const KvtMotionVec* pMVBelow, int roundControl);
 
 /* (end of section) */
 
@@ -601,8 +758,8 @@ KVTAPI KvtStatus kvtiQuantInv_H263_C1I(Kvt16s* pSrcDst, int QP);
  * standard computes wider than 16 bits are stored truncated to 16 bits; the sums of the inverse
  * transforms wrap at 16 bits, and their final (x + 32) >> 6 is exact. The forward quantizers store
  * the levels, then (unless a level exceeds 2063: -13) the count of nonzero levels, negated when
- * the level at raster position 0 is nonzero, and the largest pScanMatrix entry over the nonzero
- * levels masked to 7 bits (0 when all levels are zero). */
+ * the level at raster position 0 is nonzero, and the largest pScanMatrix entry with the entries of
+ * zero levels taken as 0, masked to 7 bits (0 when all levels are zero). */
 
 /* 4x4 luma, modes 0..8 (-11); step >= 4 (-14). A missing neighbour is taken as 128 and the call
  * returns 11; a missing upper right repeats U[3] without the warning. */
@@ -625,8 +782,8 @@ KVTAPI KvtStatus kvtiTransformDequantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, int 
 KVTAPI KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstStep, const Kvt16s* pDC,
                                                            int AC, int QP);
 /* As kvtiDequantTransformResidual_H264_16s_C1I on 16 contiguous values, then pDst = clamp(pPred +
- * residual); pSrcDst receives the residual. DC-only path (AC == 0 or pSrcDst NULL): the residual
- * (c0 + 32) >> 6 is limited to -256..256, and pSrcDst and pDC must not both be NULL (-8). */
+ * residual); pSrcDst receives the residual. DC-only path (AC == 0 or pSrcDst NULL): pSrcDst is only
+ * read, the residual (c0 + 32) >> 6 is limited to -256..256; pSrcDst and pDC not both NULL (-8). */
 KVTAPI KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst,
                                                                  const Kvt16s* pDC, Kvt8u* pDst, int predStep,
                                                                  int dstStep, int QP, int AC);
