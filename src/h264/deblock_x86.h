@@ -403,11 +403,8 @@ KVT_INLINE void chroma_edges(const __m128i (&rows)[4], const uint8_t* alpha, con
     for (int i = 0; i < 4; ++i) rows[i] = _mm_unpacklo_epi64(load8(p + (i - 2) * s), load8(p + (i + 2) * s));
     __m128i pq[2];
     chroma_edges(rows, alpha, beta, tc0, bs, pq);
-    const auto store_high = [](uint8_t* q, __m128i v) {
-        _mm_storeh_pd(reinterpret_cast<double*>(q), _mm_castsi128_pd(v));
-    };
-    store8(p - s, pq[0]), store_high(p, pq[0]);
-    store8(p + 3 * s, pq[1]), store_high(p + 4 * s, pq[1]);
+    store8(p - s, pq[0]), store8_high(p, pq[0]);
+    store8(p + 3 * s, pq[1]), store8_high(p + 4 * s, pq[1]);
     return kvtStsOk;
 }
 

@@ -23,6 +23,8 @@ inline void store4(uint8_t* p, __m128i v) {
 }
 inline void store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
 inline void store16(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
+// The high 8 bytes (through a shuffle: the double-typed high store has no unaligned form).
+inline void store8_high(void* p, __m128i v) { store8(p, _mm_unpackhi_epi64(v, v)); }
 
 // Two rows of W bytes: one register (W = 4: bytes 0..3 and 8..11; W = 8: 0..7 and 8..15; AVX2
 // W = 16: one row per half), or two (W = 16 without AVX2: a row each).
@@ -59,8 +61,7 @@ inline Pair<W> load_pair(const uint8_t* p, intptr_t s) {
 template <int W>
 inline void store_pair(uint8_t* p, intptr_t s, const Pair<W>& v) {
     if constexpr (W == 4) store4(p, v.v[0]), store4(p + s, _mm_srli_si128(v.v[0], 8));
-    if constexpr (W == 8)
-        store8(p, v.v[0]), _mm_storeh_pd(reinterpret_cast<double*>(p + s), _mm_castsi128_pd(v.v[0]));
+    if constexpr (W == 8) store8(p, v.v[0]), store8_high(p + s, v.v[0]);
 #if defined(__AVX2__)
     if constexpr (W == 16)
         store16(p, _mm256_castsi256_si128(v.v[0])), store16(p + s, _mm256_extracti128_si256(v.v[0], 1));

@@ -49,7 +49,7 @@ void filter_samples(int* p, int* q, bool chroma_edge, int bs, int index_a, int i
     if (bs < 4) {
         const int tc0 = kTc0[index_a][bs - 1];
         const int tc = chroma_edge ? tc0 + 1 : tc0 + (ap < beta) + (aq < beta);
-        const int delta = clip3(-tc, tc, (((q[0] - p[0]) << 2) + (p[1] - q[1]) + 4) >> 3);
+        const int delta = clip3(-tc, tc, ((q[0] - p[0]) * 4 + (p[1] - q[1]) + 4) >> 3);
         pf[0] = clip3(0, 255, p[0] + delta);
         qf[0] = clip3(0, 255, q[0] - delta);
         if (!chroma_edge && ap < beta)
@@ -107,10 +107,10 @@ struct Args {
         for (int i = 0; i < 2; ++i) alpha[i] = kAlpha[ix.a[i]], beta[i] = kBeta[ix.b[i]];
         rng.fill(tc0, 16, 0, 255);
         for (int i = 0; i < 16; ++i) {
-            const int edge = i / 4, luma_edge = chroma ? 2 * edge : edge,
-                      s = strengths[4 * luma_edge + i % 4];
-            if (edge < (chroma ? 2 : 4) && s >= 1 && s <= 3) tc0[i] = kTc0[ix.a[edge > 0]][s - 1];
-            bs[i] = chroma && (i / 4) % 2 ? uint8_t(rng.uniform(0, 255)) : strengths[i];
+            const int edge = i / 4,
+                      s = edge < (chroma ? 2 : 4) ? strengths[4 * (chroma ? 2 * edge : edge) + i % 4] : 0;
+            if (s >= 1 && s <= 3) tc0[i] = kTc0[ix.a[edge > 0]][s - 1];
+            bs[i] = chroma && edge % 2 ? uint8_t(rng.uniform(0, 255)) : strengths[i];
         }
     }
 };
