@@ -750,6 +750,69 @@ KVTAPI KvtStatus kvtiOBMCHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt
 /* (end of section) */
 
 /* ---- H.264 intra prediction, transform and quantization. ---- */
+/* Blocks of 8-bit samples are predicted in place from their reconstructed neighbours in the same
+ * plane (row above, column to the left, corner, and for 4x4 the four samples above-right). The
+ * availability mask tests only bits 1 (upper row), 2 (left column), 32 (corner) and 64 (upper
+ * right, 4x4 only). Modes are the standard's numbers; chroma: 0 DC, 1 horizontal, 2 vertical,
+ * 3 plane. Coefficient blocks are 16 Kvt16s in raster order; QP is 0..51 unless noted. Values the
+ * standard computes wider than 16 bits are stored truncated to 16 bits; the sums of the inverse
+ * transforms wrap at 16 bits, and their final (x + 32) >> 6 is exact. The forward quantizers store
+ * the levels, then (unless a level exceeds 2063: -13) the count of nonzero levels, negated when
+ * the level at raster position 0 is nonzero, and the largest pScanMatrix entry with the entries of
+ * zero levels taken as 0, masked to 7 bits (0 when all levels are zero). */
+
+/* 4x4 luma, modes 0..8 (-11); step >= 4 (-14). A missing neighbour is taken as 128 and the call
+ * returns 11; a missing upper right repeats U[3] without the warning. */
+KVTAPI KvtStatus kvtiPredictIntra_4x4_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                   Kvt32u availability);
+/* 16x16 luma, modes 0..3 (-11); step >= 16 (-81); -117 and nothing written when a needed
+ * neighbour is missing. */
+KVTAPI KvtStatus kvtiPredictIntra_16x16_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                     Kvt32u availability);
+/* 8x8 chroma, modes 0..3 (-11); step >= 8 (-81); -117 as for 16x16. */
+KVTAPI KvtStatus kvtiPredictIntraChroma8x8_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                        Kvt32u availability);
+
+/* Intra 16x16 luma DC: inverse 4x4 Hadamard of the 16 DC levels, then dequantization. */
+KVTAPI KvtStatus kvtiTransformDequantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP);
+/* Chroma DC: inverse 2x2 transform of the 4 DC levels, then (f * v(QP, 0)) >> 1. */
+KVTAPI KvtStatus kvtiTransformDequantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP);
+/* Dequantizes and inverse-transforms a 4x4 block in place (step >= 8 bytes, -14, checked after
+ * QP); pDC (may be NULL) replaces the DC by an already scaled value; AC == 0: DC-only block. */
+KVTAPI KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstStep, const Kvt16s* pDC,
+                                                           int AC, int QP);
+/* As kvtiDequantTransformResidual_H264_16s_C1I on 16 contiguous values, then pDst = clamp(pPred +
+ * residual); pSrcDst receives the residual. DC-only path (AC == 0 or pSrcDst NULL): pSrcDst is only
+ * read, the residual (c0 + 32) >> 6 is limited to -256..256; pSrcDst and pDC not both NULL (-8). */
+KVTAPI KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst,
+                                                                 const Kvt16s* pDC, Kvt8u* pDst, int predStep,
+                                                                 int dstStep, int QP, int AC);
+/* Forward 4x4 core transform of a prediction block, unscaled (SP/SI). */
+KVTAPI KvtStatus kvtiTransformPrediction_H264_8u16s_C1(const Kvt8u* pSrc, int srcStep, Kvt16s* pDst);
+/* SP/SI 4x4: levels dequantized with QP (QS when SI != 0) plus the transformed prediction,
+ * requantized with QS, inverse-transformed and clamped to 0..255 into pSrcDst; pDC (may be NULL)
+ * is the dequantized DC used as it is. QP and QS are not checked: keep them 0..51. */
+KVTAPI KvtStatus kvtiDequantTransformResidual_SISP_H264_16s_C1I(Kvt16s* pSrcDst, const Kvt16s* pTransformPred,
+                                                                const Kvt16s* pDC, int AC, int QP, int QS,
+                                                                int SI);
+/* SP/SI chroma DC: the 2x2 counterpart on 4 DC levels and 4 prediction DC coefficients; QP and QS
+ * are not checked: keep them 0..51. */
+KVTAPI KvtStatus kvtiTransformDequantChromaDC_SISP_H264_16s_C1I(Kvt16s* pSrcDst, const Kvt16s* pDCPredict,
+                                                                int QP, int QS, int SI);
+/* Encoder chroma DC: 2x2 transform of pSrcDst into pTBlock (needTransform != 0; otherwise pTBlock
+ * holds it), quantized into pSrcDst; chroma QP 0..39 (-11). */
+KVTAPI KvtStatus kvtiTransformQuantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlock, int QP,
+                                                         Kvt8s* pNumLevels, Kvt8u intra, Kvt8u needTransform);
+/* Encoder intra 16x16 luma DC: 4x4 Hadamard halved (>> 1) of pSrcDst into pTBlock (needTransform
+ * != 0; otherwise pTBlock holds it), quantized with the intra rounding into pSrcDst. */
+KVTAPI KvtStatus kvtiTransformQuantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlock, int QP,
+                                                       Kvt8s* pNumLevels, Kvt8u needTransform,
+                                                       const Kvt16s* pScanMatrix, Kvt8u* pLastPos);
+/* Encoder 4x4 residual: forward core transform and quantization in place (intra != 0: rounding
+ * 1/3, else 1/6); pScanMatrix gives the scan index of each raster position. */
+KVTAPI KvtStatus kvtiTransformQuantResidual_H264_16s_C1I(Kvt16s* pSrcDst, int QP, Kvt8s* pNumLevels,
+                                                         Kvt8u intra, const Kvt16s* pScanMatrix,
+                                                         Kvt8u* pLastPos);
 
 /* (end of section) */
 
