@@ -79,8 +79,8 @@ inline void store_row(uint8_t* p, __m128i v) {
         store4(p, v);
 }
 
-// Hides v from the optimiser, which would otherwise rebuild each row address from the one before
-// it (a chain of additions that the last rows wait on) or keep every row address in a register.
+// Hides v from the optimiser, which would otherwise rebuild three steps from the others and each row
+// address from the one before it: a chain of additions that the last rows wait on.
 template <class T>
 inline T opaque(T v) {
 #if defined(__GNUC__)
@@ -95,7 +95,7 @@ inline T opaque(T v) {
 template <class T>
 class Rows {
 public:
-    Rows(T* p, intptr_t s) : p_(opaque(p)), s_(s), s3_(opaque(3 * s)) {}
+    Rows(T* p, intptr_t s) : p_(p), s_(s), s3_(opaque(3 * s)) {}
 
     // y from 0 to 16 (the row below a 16-row block is group 12 plus 4 steps).
     T* operator[](int y) const {
