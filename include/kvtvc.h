@@ -750,10 +750,140 @@ KVTAPI KvtStatus kvtiOBMCHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt
 /* (end of section) */
 
 /* ---- H.264 intra prediction, transform and quantization. ---- */
+/* Blocks of 8-bit samples are predicted in place from their reconstructed neighbours in the same
+ * plane (row above, column to the left, corner, and for 4x4 the four samples above-right). The
+ * availability mask tests only bits 1 (upper row), 2 (left column), 32 (corner) and 64 (upper
+ * right, 4x4 only). Modes are the standard's numbers; chroma: 0 DC, 1 horizontal, 2 vertical,
+ * 3 plane. Coefficient blocks are 16 Kvt16s in raster order; QP is 0..51 unless noted. Values the
+ * standard computes wider than 16 bits are stored truncated to 16 bits; the sums of the inverse
+ * transforms wrap at 16 bits, and their final (x + 32) >> 6 is exact. The forward quantizers store
+ * the levels, then (unless a level exceeds 2063: -13) the count of nonzero levels, negated when
+ * the level at raster position 0 is nonzero, and the largest pScanMatrix entry with the entries of
+ * zero levels taken as 0, masked to 7 bits (0 when all levels are zero). */
+
+/* 4x4 luma, modes 0..8 (-11); step >= 4 (-14). A missing neighbour is taken as 128 and the call
+ * returns 11; a missing upper right repeats U[3] without the warning. */
+KVTAPI KvtStatus kvtiPredictIntra_4x4_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                   Kvt32u availability);
+/* 16x16 luma, modes 0..3 (-11); step >= 16 (-81); -117 and nothing written when a needed
+ * neighbour is missing. */
+KVTAPI KvtStatus kvtiPredictIntra_16x16_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                     Kvt32u availability);
+/* 8x8 chroma, modes 0..3 (-11); step >= 8 (-81); -117 as for 16x16. */
+KVTAPI KvtStatus kvtiPredictIntraChroma8x8_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                        Kvt32u availability);
+
+/* Intra 16x16 luma DC: inverse 4x4 Hadamard of the 16 DC levels, then dequantization. */
+KVTAPI KvtStatus kvtiTransformDequantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP);
+/* Chroma DC: inverse 2x2 transform of the 4 DC levels, then (f * v(QP, 0)) >> 1. */
+KVTAPI KvtStatus kvtiTransformDequantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP);
+/* Dequantizes and inverse-transforms a 4x4 block in place (step >= 8 bytes, -14, checked after
+ * QP); pDC (may be NULL) replaces the DC by an already scaled value; AC == 0: DC-only block. */
+KVTAPI KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstStep, const Kvt16s* pDC,
+                                                           int AC, int QP);
+/* As kvtiDequantTransformResidual_H264_16s_C1I on 16 contiguous values, then pDst = clamp(pPred +
+ * residual); pSrcDst receives the residual. DC-only path (AC == 0 or pSrcDst NULL): pSrcDst is only
+ * read, the residual (c0 + 32) >> 6 is limited to -256..256; pSrcDst and pDC not both NULL (-8). */
+KVTAPI KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst,
+                                                                 const Kvt16s* pDC, Kvt8u* pDst, int predStep,
+                                                                 int dstStep, int QP, int AC);
+/* Forward 4x4 core transform of a prediction block, unscaled (SP/SI). */
+KVTAPI KvtStatus kvtiTransformPrediction_H264_8u16s_C1(const Kvt8u* pSrc, int srcStep, Kvt16s* pDst);
+/* SP/SI 4x4: levels dequantized with QP (QS when SI != 0) plus the transformed prediction,
+ * requantized with QS, inverse-transformed and clamped to 0..255 into pSrcDst; pDC (may be NULL)
+ * is the dequantized DC used as it is. QP and QS are not checked: keep them 0..51. */
+KVTAPI KvtStatus kvtiDequantTransformResidual_SISP_H264_16s_C1I(Kvt16s* pSrcDst, const Kvt16s* pTransformPred,
+                                                                const Kvt16s* pDC, int AC, int QP, int QS,
+                                                                int SI);
+/* SP/SI chroma DC: the 2x2 counterpart on 4 DC levels and 4 prediction DC coefficients; QP and QS
+ * are not checked: keep them 0..51. */
+KVTAPI KvtStatus kvtiTransformDequantChromaDC_SISP_H264_16s_C1I(Kvt16s* pSrcDst, const Kvt16s* pDCPredict,
+                                                                int QP, int QS, int SI);
+/* Encoder chroma DC: 2x2 transform of pSrcDst into pTBlock (needTransform != 0; otherwise pTBlock
+ * holds it), quantized into pSrcDst; chroma QP 0..39 (-11). */
+KVTAPI KvtStatus kvtiTransformQuantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlock, int QP,
+                                                         Kvt8s* pNumLevels, Kvt8u intra, Kvt8u needTransform);
+/* Encoder intra 16x16 luma DC: 4x4 Hadamard halved (>> 1) of pSrcDst into pTBlock (needTransform
+ * != 0; otherwise pTBlock holds it), quantized with the intra rounding into pSrcDst. */
+KVTAPI KvtStatus kvtiTransformQuantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlock, int QP,
+                                                       Kvt8s* pNumLevels, Kvt8u needTransform,
+                                                       const Kvt16s* pScanMatrix, Kvt8u* pLastPos);
+/* Encoder 4x4 residual: forward core transform and quantization in place (intra != 0: rounding
+ * 1/3, else 1/6); pScanMatrix gives the scan index of each raster position. */
+KVTAPI KvtStatus kvtiTransformQuantResidual_H264_16s_C1I(Kvt16s* pSrcDst, int QP, Kvt8s* pNumLevels,
+                                                         Kvt8u intra, const Kvt16s* pScanMatrix,
+                                                         Kvt8u* pLastPos);
 
 /* (end of section) */
 
 /* ---- H.264 interpolation, weighted averaging, CAVLC syntax elements and the deblocking filter. ---- */
+
+/* Inter prediction of 8-bit pictures (H.264 8.4.2.2). The reference is read as it stands (the caller pads
+ * it): luma reads 2 samples before and 3 after the block in each direction, chroma 1 after. */
+/* Luma quarter-sample position (dx, dy in 0..3) of a 4, 8 or 16 square or 2:1 block (not 4x16, 16x4);
+ * -14 when a step is below the width, -5 for dx or dy outside 0..3, -6 for other sizes. */
+KVTAPI KvtStatus kvtiInterpolateLuma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt8u* pDst,
+                                                 Kvt32s dstStep, Kvt32s dx, Kvt32s dy, KvtRegionSize roiSize);
+/* Chroma eighth-sample position (dx, dy in 0..7), bilinear; width and height 2, 4 or 8 (not 2x8, 8x2);
+ * -14 when a step is below 8, -5 for dx or dy outside 0..7, -6 for other sizes. */
+KVTAPI KvtStatus kvtiInterpolateChroma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt8u* pDst,
+                                                   Kvt32s dstStep, Kvt32s dx, Kvt32s dy,
+                                                   KvtRegionSize roiSize);
+/* pSrc2Dst = clamp(((pSrc1 * weight1 + pSrc2Dst * weight2 + 2^(shift-1)) >> shift) + offset), one step for
+ * both blocks; width and height 2, 4, 8 or 16 (-6), step below the width: -14. The rounding term is
+ * 1 << ((shift - 1) & 31) and the clamp covers -256..511 (keep the sum in that range). */
+KVTAPI KvtStatus kvtiWeightedAverage_H264_8u_C1IR(const Kvt8u* pSrc1, Kvt8u* pSrc2Dst, Kvt32s srcDstStep,
+                                                  Kvt32s weight1, Kvt32s weight2, Kvt32u shift, Kvt32s offset,
+                                                  KvtRegionSize roiSize);
+
+/* CAVLC syntax elements of one 4x4 block (H.264 9.2), walked from scan position lastIdx down to firstIdx
+ * (0 for a whole block, 1 when the DC is coded elsewhere); pScan[k] is the raster index at scan position
+ * k. Outputs: trailing ones (0..3) and their signs (1 = -1, the highest-frequency one in the top used
+ * bit), the count of nonzero coefficients, total zeros (zeros below the highest-frequency nonzero
+ * coefficient down to firstIdx; lastIdx - firstIdx + 1 for an empty block), the other levels highest
+ * frequency first, and the zero runs between successive nonzero coefficients (the run below the last
+ * one is not stored). Only the entries in use are written (pLevels, pRuns: room for 16). -11 when
+ * lastIdx is above 15 or below firstIdx. */
+KVTAPI KvtStatus kvtiEncodeCoeffsCAVLC_H264_16s(const Kvt16s* pSrc, Kvt8u firstIdx, const Kvt32u* pScan,
+                                                Kvt8u lastIdx, Kvt8u* pTrailingOnes, Kvt8u* pTrailingOneSigns,
+                                                Kvt8u* pNumCoeffs, Kvt8u* pTotalZeros, Kvt16s* pLevels,
+                                                Kvt8u* pRuns);
+/* As kvtiEncodeCoeffsCAVLC_H264_16s for the 4 chroma DC values of 4:2:0 (raster order is scan order). */
+KVTAPI KvtStatus kvtiEncodeChromaDcCoeffsCAVLC_H264_16s(const Kvt16s* pSrc, Kvt8u* pTrailingOnes,
+                                                        Kvt8u* pTrailingOneSigns, Kvt8u* pNumCoeffs,
+                                                        Kvt8u* pTotalZeros, Kvt16s* pLevels, Kvt8u* pRuns);
+
+/* Deblocking filter (H.264 8.7, 4:2:0, 8 bits), in place, for the four vertical (VerEdge, left to right) or
+ * horizontal (HorEdge, top to bottom) edges of one macroblock; pSrcDst is its top-left sample. Edge 0 is
+ * the macroblock's left or top edge (the samples before it belong to the neighbour and are filtered too),
+ * edges 1..3 lie 4, 8 and 12 luma samples in.
+ *  - pAlpha[2], pBeta[2]: alpha and beta (H.264 Table 8-16 at indexA, indexB) of edge 0, then of the
+ *    internal edges.
+ *  - pBS[16]: boundary strength of every 4-sample segment, pBS[4 * edge + segment], segments in the order
+ *    of the edge (top to bottom, left to right). 0 skips the segment, 1..3 take the normal filter, 4 the
+ *    strong one. Chroma uses the strengths of luma edges 0 and 2 (its edges 0 and 4), each 4-sample luma
+ *    segment covering 2 chroma samples; pBS[4..7] and pBS[12..15] are not read.
+ *  - pThresholds: tc0 (H.264 Table 8-17 for the segment's bS and indexA) of every segment, luma 16
+ *    entries pThresholds[4 * edge + segment]; chroma 8 entries, chroma edge 0 then chroma edge 4 (tc is
+ *    tc0 + 1 there). Entries of segments with bS 0 or 4 are not read.
+ * Luma reads 4 samples before edge 0 and changes 3, chroma reads 2 and changes 1 (the vertical-edge forms
+ * store the others back unchanged); the step is not checked.
+ * A null pointer returns -8; nothing else is checked. */
+KVTAPI KvtStatus kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                               const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                               const Kvt8u* pThresholds, const Kvt8u* pBS);
+/* As kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR for the horizontal edges. */
+KVTAPI KvtStatus kvtiFilterDeblockingLuma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                               const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                               const Kvt8u* pThresholds, const Kvt8u* pBS);
+/* Vertical edges 0 and 4 of one 8x8 chroma block (one plane per call). */
+KVTAPI KvtStatus kvtiFilterDeblockingChroma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                                 const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                                 const Kvt8u* pThresholds, const Kvt8u* pBS);
+/* Horizontal edges 0 and 4 of one 8x8 chroma block. */
+KVTAPI KvtStatus kvtiFilterDeblockingChroma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                                 const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                                 const Kvt8u* pThresholds, const Kvt8u* pBS);
 
 /* (end of section) */
 

@@ -79,62 +79,79 @@ inline void store_row(uint8_t* p, __m128i v) {
         store4(p, v);
 }
 
-// Calls row(src_y, src_y+1, dst_y, y) for the rows y of an H-row block, four at a time, each
-// address a base plus a scaled step.
-template <int H, class Row>
-inline void for_rows(const uint8_t* src, intptr_t ss, uint8_t* dst, intptr_t ds, Row row) {
-    static_assert(H % 4 == 0, "blocks of 4, 8 or 16 rows");
-    const intptr_t ss3 = 3 * ss, ds3 = 3 * ds;
-#pragma GCC unroll 4
-    for (int y = 0; y < H; y += 4, src += 4 * ss, dst += 4 * ds) {
-        row(src, src + ss, dst, y);
-        row(src + ss, src + 2 * ss, dst + ds, y + 1);
-        row(src + 2 * ss, src + ss3, dst + 2 * ds, y + 2);
-        row(src + ss3, src + 4 * ss, dst + ds3, y + 3);
-    }
+// Hides v from the optimiser, which would otherwise rebuild three steps from the others and each row
+// address from the one before it: a chain of additions that the last rows wait on.
+template <class T>
+inline T opaque(T v) {
+#if defined(__GNUC__)
+    __asm__("" : "+r"(v));
+#endif
+    return v;
 }
+
+// The rows of a block at p with step s: row y (a constant once the loops are unrolled) is a group
+// base, p plus 0, 4, 8 or 12 steps, plus 0 to 4 steps, which the load or store addresses itself. Each group
+// base is one instruction from the arguments.
+template <class T>
+class Rows {
+public:
+    Rows(T* p, intptr_t s) : p_(p), s_(s), s3_(opaque(3 * s)) {}
+
+    // y from 0 to 16 (the row below a 16-row block is group 12 plus 4 steps).
+    T* operator[](int y) const {
+        const int group = y < 12 ? y & ~3 : 12, k = y - group;
+        T* base = group == 12 ? p_ + 4 * s3_ : p_ + group * s_;
+        return k == 3 ? base + s3_ : base + k * s_;
+    }
+
+private:
+    T* p_;
+    intptr_t s_, s3_;
+};
 
 // Predictions of a W-wide block, row by row from the top; half_h and half_v pick the phase, nb is
 // the distance of the horizontal neighbour. Reads only the samples the phase needs; the vertical
-// half carries the lower row (or its pair) into the next row.
+// half carries the lower row (or its pair) into the next row. The neighbours are read through
+// their own row addresses (base + nb), so every load is one instruction.
 template <int W, bool half_h, bool half_v, int r, int nb = 1>
 class Predictor {
 public:
-    explicit Predictor(const uint8_t* top) {
+    Predictor(const uint8_t* src, intptr_t step) : a_(src, step), b_(half_h ? src + nb : src, step) {
         if constexpr (half_v && half_h)
-            prev_ = pair(load_row<W>(top), load_row<W>(top + nb));
+            prev_ = pair(load_row<W>(a_[0]), load_row<W>(b_[0]));
         else if constexpr (half_v)
-            prev_.avg = load_row<W>(top);
+            prev_.avg = load_row<W>(a_[0]);
     }
 
-    // The prediction of the row at p, whose lower neighbour row is at below.
-    __m128i row(const uint8_t* p, const uint8_t* below) {
+    // The prediction of row y.
+    __m128i row(int y) {
         if constexpr (!half_v && !half_h) {
-            return load_row<W>(p);
+            return load_row<W>(a_[y]);
         } else if constexpr (!half_v) {
-            return avg2<r>(load_row<W>(p), load_row<W>(p + nb));
+            return avg2<r>(load_row<W>(a_[y]), load_row<W>(b_[y]));
         } else if constexpr (!half_h) {
             const __m128i top = prev_.avg;
-            prev_.avg = load_row<W>(below);
+            prev_.avg = load_row<W>(a_[y + 1]);
             return avg2<r>(top, prev_.avg);
         } else {
             const Pair top = prev_;
-            prev_ = pair(load_row<W>(below), load_row<W>(below + nb));
+            prev_ = pair(load_row<W>(a_[y + 1]), load_row<W>(b_[y + 1]));
             return avg4<r>(top, prev_);
         }
     }
 
 private:
+    Rows<const uint8_t> a_, b_;
     Pair prev_{};
 };
 
 // The W x H prediction at src written to dst.
 template <int W, int H, bool half_h, bool half_v, int r>
 inline void predict_block(const uint8_t* src, intptr_t src_step, uint8_t* dst, intptr_t dst_step) {
-    Predictor<W, half_h, half_v, r> pred(src);
-    for_rows<H>(src, src_step, dst, dst_step, [&](const uint8_t* p, const uint8_t* below, uint8_t* d, int) {
-        store_row<W>(d, pred.row(p, below));
-    });
+    Predictor<W, half_h, half_v, r> pred(src, src_step);
+    const Rows<uint8_t> out(dst, dst_step);
+#pragma GCC unroll 16
+    for (int y = 0; y < H; ++y) store_row<W>(out[y], pred.row(y));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 // Fronts of H.263 / MPEG-4 prediction and reconstruction: check what each function checks, then
 // run one kernel chosen by size, phase and rounding control.
+#include <cstring>
+
 #include "common/arith.h"
 #include "common/kernel.h"
 #include "kvtvc.h"
@@ -18,11 +20,26 @@ KvtStatus h263_copy(const Kvt8u* src, Kvt8u* dst, int step, KvtStatus short_step
     return (n == 16 ? dsp.predict16 : dsp.predict8)[recon_index(phase, 0)](src, step, dst, step);
 }
 
-// The slot of a half-sample vector at rounding control rc (nonzero counts as 1), and the
-// reference moved by the vector's whole samples (odd negative components round down).
-int slot_of(const KvtMotionVec& mv, int rc) { return recon_index((mv.dy & 1) * 2 + (mv.dx & 1), rc != 0); }
-const uint8_t* moved(const Kvt8u* ref, int step, const KvtMotionVec& mv) {
-    return ref + intptr_t(asr(mv.dy, 1)) * step + asr(mv.dx, 1);
+// A half-sample vector as its kernel slot and the byte offset of its whole-sample part from the
+// block (odd negative components round down). On little-endian targets both come from one 32-bit
+// load (dx the low half, dy the high half): the fewest instructions between the vector and the
+// first sample the kernel reads.
+struct HalfVector {
+    int slot;
+    intptr_t offset;
+};
+inline intptr_t asr_ptr(intptr_t v, int s) { return v >= 0 ? v >> s : ~(~v >> s); }
+inline HalfVector half_vector(const KvtMotionVec* mv, int step, int rc) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    int32_t v;
+    std::memcpy(&v, mv, 4);
+    // recon_index(phase, rc != 0) with the odd bits of dy and dx moved straight to their places.
+    const int slot = (v >> 14 & 4) + (v & 1) * 2 + (rc != 0);
+    return {slot, asr_ptr(int16_t(v), 1) + asr_ptr(v, 17) * step};
+#else
+    const int phase = (mv->dy & 1) * 2 | (mv->dx & 1);
+    return {recon_index(phase, rc != 0), asr_ptr(mv->dx, 1) + asr_ptr(mv->dy, 1) * step};
+#endif
 }
 }  // namespace
 
@@ -83,19 +100,21 @@ KvtStatus kvtiReconBlock_8x8(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt
 KvtStatus kvtiCopyBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
                                         const KvtMotionVec* pMV, int roundControl) {
     if (!pSrcRef || !pDst) return kvtStsNullPointer;
-    return dsp.predict8[slot_of(*pMV, roundControl)](moved(pSrcRef, srcStep, *pMV), srcStep, pDst, dstStep);
+    const HalfVector v = half_vector(pMV, srcStep, roundControl);
+    return dsp.predict8[v.slot](pSrcRef + v.offset, srcStep, pDst, dstStep);
 }
 KvtStatus kvtiCopyMBHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
                                      const KvtMotionVec* pMV, int roundControl) {
     if (!pSrcRef || !pDst) return kvtStsNullPointer;
-    return dsp.predict16[slot_of(*pMV, roundControl)](moved(pSrcRef, srcStep, *pMV), srcStep, pDst, dstStep);
+    const HalfVector v = half_vector(pMV, srcStep, roundControl);
+    return dsp.predict16[v.slot](pSrcRef + v.offset, srcStep, pDst, dstStep);
 }
 KvtStatus kvtiReconBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcResid,
                                          Kvt8u* pDst, int dstStep, const KvtMotionVec* pMV,
                                          int roundControl) {
     if (!pSrcRef || !pDst) return kvtStsNullPointer;
-    return dsp.recon8[slot_of(*pMV, roundControl)](moved(pSrcRef, srcStep, *pMV), srcStep, pSrcResid, pDst,
-                                                   dstStep);
+    const HalfVector v = half_vector(pMV, srcStep, roundControl);
+    return dsp.recon8[v.slot](pSrcRef + v.offset, srcStep, pSrcResid, pDst, dstStep);
 }
 
 KvtStatus kvtiAverageBlock_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,

@@ -32,30 +32,37 @@ template <int n, int phase, int r>
 template <int phase, int r>
 [[gnu::flatten]] KvtStatus recon8(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
                                   int dst_step) {
-    Predictor<8, recon_half_h(phase), recon_half_v(phase), r> pred(src);
+    Predictor<8, recon_half_h(phase), recon_half_v(phase), r> pred(src, src_step);
+    const Rows<uint8_t> out(dst, dst_step);
     const __m128i z = _mm_setzero_si128();
-    for_rows<8>(src, src_step, dst, dst_step, [&](const uint8_t* p, const uint8_t* below, uint8_t* d, int y) {
-        const __m128i sum = _mm_adds_epi16(_mm_unpacklo_epi8(pred.row(p, below), z), simd::load(res + 8 * y));
-        store8(d, _mm_packus_epi16(sum, sum));
-    });
+#pragma GCC unroll 8
+    for (int y = 0; y < 8; ++y) {
+        const __m128i sum = _mm_adds_epi16(_mm_unpacklo_epi8(pred.row(y), z), simd::load(res + 8 * y));
+        store8(out[y], _mm_packus_epi16(sum, sum));
+    }
     return kvtStsOk;
 }
 
 [[gnu::flatten]] KvtStatus recon16(const uint8_t* src, int src_step, const int16_t* res, uint8_t* dst,
                                    int dst_step) {
-    for_rows<16>(src, src_step, dst, dst_step, [res](const uint8_t* p, const uint8_t*, uint8_t* d, int y) {
+    const Rows<const uint8_t> in(src, src_step);
+    const Rows<uint8_t> out(dst, dst_step);
+#pragma GCC unroll 16
+    for (int y = 0; y < 16; ++y) {
         const int16_t* left = res + (y / 8) * 128 + (y % 8) * 8;
-        store16(d, add_residual(load16(p), left, left + 64));
-    });
+        store16(out[y], add_residual(load16(in[y]), left, left + 64));
+    }
     return kvtStsOk;
 }
 
 template <int n>
 [[gnu::flatten]] KvtStatus average(const uint8_t* a, int a_step, const uint8_t* b, int b_step, uint8_t* dst,
                                    int dst_step) {
+    const Rows<const uint8_t> in_a(a, a_step), in_b(b, b_step);
+    const Rows<uint8_t> out(dst, dst_step);
 #pragma GCC unroll 16
-    for (int y = 0; y < n; ++y, a += a_step, b += b_step, dst += dst_step)
-        store_row<n>(dst, _mm_avg_epu8(load_row<n>(a), load_row<n>(b)));
+    for (int y = 0; y < n; ++y)
+        store_row<n>(out[y], _mm_avg_epu8(load_row<n>(in_a[y]), load_row<n>(in_b[y])));
     return kvtStsOk;
 }
 

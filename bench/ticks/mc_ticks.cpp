@@ -1,0 +1,131 @@
+// kvtvc-ticks-mc: the exported prediction, averaging and reconstruction functions timed the way
+// the peer's checkasm times its DSP functions (../shared/peer/README.md), so that the two figures
+// can be set side by side: a sample is 4 calls between two `lfence; rdtsc` stamps, 1024 samples,
+// the first sample and every sample above 4x the running mean are dropped, the timer overhead is
+// subtracted and the mean is divided by 4. TSC ticks per call. The buffers are laid out as the
+// peer's hpeldsp test lays out its own: 16-byte aligned, step 64, source 8 rows and 16 samples in.
+//
+//   taskset -c 1 build/release/bench/kvtvc-ticks-mc       (run 3 times, take the minimum)
+//
+// The last column names the peer row to compare with (put_no_rnd_* for rounding control 1):
+//   taskset -c 1 $CHECKASM --test=hpeldsp --bench='*pixels*' 1
+#include <x86intrin.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "kvtvc.h"
+
+namespace {
+
+inline uint64_t stamp() {
+    _mm_lfence();
+    return __rdtsc();
+}
+
+double timer_overhead() {
+    std::vector<uint64_t> t(10000);
+    for (auto& x : t) {
+        const uint64_t t0 = stamp();
+        x = stamp() - t0;
+    }
+    std::sort(t.begin(), t.end());
+    double sum = 0;
+    for (size_t i = t.size() / 4; i < t.size() * 3 / 4; ++i) sum += double(t[i]);
+    return sum / double(t.size() / 2);
+}
+
+template <class Call>
+double ticks(Call call, double overhead) {
+    double sum = 0;
+    uint64_t count = 0;
+    for (int i = 0; i < 1024; ++i) {
+        const uint64_t t0 = stamp();
+        call();
+        call();
+        call();
+        call();
+        const uint64_t t = stamp() - t0;
+        if (i > 0 && double(t) * double(count) <= sum * 4) {
+            sum += double(t);
+            ++count;
+        }
+    }
+    return (sum / double(count) - overhead) / 4;
+}
+
+alignas(4096) uint8_t plane[4 * 4096];
+alignas(32) int16_t residual[1024];
+
+}  // namespace
+
+int main() {
+    constexpr int kStep = 64;
+    uint8_t* const src_plane = plane;
+    uint8_t* const dst = plane + 8192 + 3072;  // no 4 KiB aliasing with the source rows
+    for (int i = 0; i < 40 * kStep; ++i)
+        src_plane[i] = uint8_t(40 + 2 * (i % kStep) + i / kStep + (i * 7) % 16);
+    for (int i = 0; i < 1024; ++i) residual[i] = int16_t((i * 37) % 200 - 100);
+    const uint8_t* const src = src_plane + 8 * kStep + 16;
+    const double overhead = timer_overhead();
+
+    const auto row = [&](const std::string& name, const char* peer, auto call) {
+        std::printf("%-42s %6.1f   %s\n", name.c_str(), ticks(call, overhead), peer);
+    };
+    static const char* const kPhase[4] = {"ff", "hf", "fh", "hh"};
+    static const char* const kPeer16[2][4] = {
+        {"put_pixels16", "put_pixels16_x2", "put_pixels16_y2", "put_pixels16_xy2"},
+        {"put_pixels16", "put_no_rnd_pixels16_x2", "put_no_rnd_pixels16_y2", "put_no_rnd_pixels16_xy2"}};
+    static const char* const kPeer8[2][4] = {
+        {"put_pixels8", "put_pixels8_x2", "put_pixels8_y2", "put_pixels8_xy2"},
+        {"put_pixels8", "put_no_rnd_pixels8_x2", "put_no_rnd_pixels8_y2", "put_no_rnd_pixels8_xy2"}};
+    for (int n : {16, 8})
+        for (int p = 0; p < 4; ++p)
+            for (int rc = 0; rc < 2; ++rc) {
+                const KvtMotionVec mv = {int16_t(p & 1), int16_t(p >> 1)};
+                const std::string args = std::string(" ") + kPhase[p] + " rc" + std::to_string(rc);
+                if (n == 16)
+                    row("kvtiCopyMBHalfpel_MPEG4_8u" + args, kPeer16[rc][p],
+                        [&] { kvtiCopyMBHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mv, rc); });
+                else
+                    row("kvtiCopyBlockHalfpel_MPEG4_8u" + args, kPeer8[rc][p],
+                        [&] { kvtiCopyBlockHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mv, rc); });
+            }
+    row("kvtiCopyMB_H263_8u", "put_pixels16", [&] { kvtiCopyMB_H263_8u(src, dst, kStep); });
+    row("kvtiCopyApproxHMB_H263_8u", "put_pixels16_x2", [&] { kvtiCopyApproxHMB_H263_8u(src, dst, kStep); });
+    row("kvtiCopyApproxVMB_H263_8u", "put_pixels16_y2", [&] { kvtiCopyApproxVMB_H263_8u(src, dst, kStep); });
+    row("kvtiCopyApproxHVMB_H263_8u", "put_pixels16_xy2",
+        [&] { kvtiCopyApproxHVMB_H263_8u(src, dst, kStep); });
+    row("kvtiCopyBlock_H263_8u", "put_pixels8", [&] { kvtiCopyBlock_H263_8u(src, dst, kStep); });
+    row("kvtiCopyApproxHBlock_H263_8u", "put_pixels8_x2",
+        [&] { kvtiCopyApproxHBlock_H263_8u(src, dst, kStep); });
+    row("kvtiCopyApproxVBlock_H263_8u", "put_pixels8_y2",
+        [&] { kvtiCopyApproxVBlock_H263_8u(src, dst, kStep); });
+    row("kvtiCopyApproxHVBlock_H263_8u", "put_pixels8_xy2",
+        [&] { kvtiCopyApproxHVBlock_H263_8u(src, dst, kStep); });
+    const uint8_t* const src2 = src + 3 * kStep + 1;
+    row("kvtiAverageMB_MPEG4_8u", "avg_pixels16 (dst is one source)",
+        [&] { kvtiAverageMB_MPEG4_8u(src, kStep, src2, kStep, dst, kStep); });
+    row("kvtiAverageMB_MPEG4_8u_I", "avg_pixels16",
+        [&] { kvtiAverageMB_MPEG4_8u_I(src, kStep, dst, kStep); });
+    row("kvtiAverageBlock_MPEG4_8u", "avg_pixels8 (dst is one source)",
+        [&] { kvtiAverageBlock_MPEG4_8u(src, kStep, src2, kStep, dst, kStep); });
+    row("kvtiAverageBlock_MPEG4_8u_I", "avg_pixels8",
+        [&] { kvtiAverageBlock_MPEG4_8u_I(src, kStep, dst, kStep); });
+    row("kvtiReconMB_H263_I", "4x add_pixels_clamped", [&] { kvtiReconMB_H263_I(dst, residual, kStep); });
+    row("kvtiReconBlock_H263_I", "add_pixels_clamped", [&] { kvtiReconBlock_H263_I(dst, residual, kStep); });
+    for (int type = 0; type < 16; type += 4) {
+        const std::string args = std::string(" ") + kPhase[type / 4 % 2 * 2 + type / 8];
+        row("kvtiMC16x16_8u_C1" + args, type == 12 ? "put_pixels16_xy2 x 1.5" : "",
+            [&] { kvtiMC16x16_8u_C1(src, kStep, residual, 32, dst, kStep, type, 0); });
+    }
+    for (int type = 0; type < 16; type += 4) {
+        const std::string args = std::string(" ") + kPhase[type / 4 % 2 * 2 + type / 8];
+        row("kvtiMC8x8_8u_C1" + args, "",
+            [&] { kvtiMC8x8_8u_C1(src, kStep, residual, 16, dst, kStep, type, 0); });
+    }
+    return 0;
+}
