@@ -30,35 +30,39 @@ void predict_block(const Plane& ref, const Plane& cur, int px, int py, KvtMotion
         kvtiCopyBlockHalfpel_MPEG4_8u(ref.at(px, py), ref.step, cur.at(px, py), cur.step, &c, rounding);
 }
 
+// The left, above-left and above neighbours of each block of a macroblock: macroblock offset and
+// block index (luminance blocks 0 1 / 2 3, then Cb and Cr).
+constexpr int kIntraNeighbours[6][3][3] = {
+    {{-1, 0, 1}, {-1, -1, 3}, {0, -1, 2}}, {{0, 0, 0}, {0, -1, 2}, {0, -1, 3}},
+    {{-1, 0, 3}, {-1, 0, 1}, {0, 0, 0}},   {{0, 0, 2}, {0, 0, 0}, {0, 0, 1}},
+    {{-1, 0, 4}, {-1, -1, 4}, {0, -1, 4}}, {{-1, 0, 5}, {-1, -1, 5}, {0, -1, 5}}};
+
 }  // namespace
 
 // The library's state for one intra block, from its left, above-left and above neighbours where
-// they are intra blocks of the same video packet, GOB or slice. Luminance blocks sit on a grid twice
-// as fine as the macroblocks; chroma blocks on theirs.
+// they are intra blocks of the same video packet, GOB or slice.
 IntraPrediction Decoder::gather_intra_prediction(int x, int y, int b) {
     IntraPrediction ip;
-    const bool luma = b < 4;
-    const int bx = luma ? 2 * x + (b & 1) : x, by = luma ? 2 * y + (b >> 1) : y;
     const IntraBlockState* state[3] = {};  // left, above-left, above
-    static const int kOffsets[3][2] = {{-1, 0}, {-1, -1}, {0, -1}};
     for (int i = 0; i < 3; ++i) {
-        const int nx = bx + kOffsets[i][0], ny = by + kOffsets[i][1];
+        const int* n = kIntraNeighbours[b][i];
+        const int mx = x + n[0], my = y + n[1];
         ip.dc[i] = 1024;
         ip.quant[i] = 0;
-        if (nx < 0 || ny < 0) continue;
-        const int mx = luma ? nx >> 1 : nx, my = luma ? ny >> 1 : ny;
-        const MbInfo& n = mb(mx, my);
-        if (n.kind != MbKind::Intra || n.slice != slice_) continue;
-        state[i] = &intra_state_[(size_t(my) * mb_cols_ + mx) * 6 + (luma ? (ny & 1) * 2 + (nx & 1) : b)];
+        if (mx < 0 || my < 0) continue;
+        const size_t index = size_t(my) * mb_cols_ + mx;
+        const MbInfo& m = mbs_[index];
+        if (m.kind != MbKind::Intra || m.slice != slice_) continue;
+        state[i] = &intra_state_[index * 6 + n[2]];
         ip.dc[i] = state[i]->dc;
-        ip.quant[i] = n.quant;
+        ip.quant[i] = m.quant;
     }
     ip.row[0] = state[0] ? state[0]->dc : -1;
     ip.row[8] = state[2] ? state[2]->dc : -1;
     if (state[2]) std::memcpy(ip.row + 9, state[2]->row, sizeof state[2]->row);
     if (state[0]) std::memcpy(ip.col + 1, state[0]->col, sizeof state[0]->col);
-    const Plane& pl = cur_->plane[luma ? 0 : b - 3];
-    ip.dst = luma ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);
+    const Plane& pl = cur_->plane[b < 4 ? 0 : b - 3];
+    ip.dst = b < 4 ? pl.at(16 * x + 8 * (b & 1), 16 * y + 8 * (b >> 1)) : pl.at(8 * x, 8 * y);
     ip.step = pl.step;
     return ip;
 }
