@@ -62,11 +62,17 @@ std::string parse_args(int argc, char** argv, Options& opts) {
 bool read_file(const std::string& path, std::vector<Kvt8u>& bytes) {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> f(std::fopen(path.c_str(), "rb"), std::fclose);
     if (!f) return false;
-    // Room for the stream's padding from the start, so that it never moves.
+    // Straight into place when the size is known, with room for the stream's padding, so that
+    // nothing is copied or moved later; a pipe is read in chunks.
+    long size = -1;
     if (std::fseek(f.get(), 0, SEEK_END) == 0) {
-        const long size = std::ftell(f.get());
-        if (size > 0) bytes.reserve(size_t(size) + kvtdec::Stream::kPadding);
+        size = std::ftell(f.get());
         std::rewind(f.get());
+    }
+    if (size > 0) {
+        bytes.reserve(size_t(size) + kvtdec::Stream::kPadding);
+        bytes.resize(size_t(size));
+        bytes.resize(std::fread(bytes.data(), 1, bytes.size(), f.get()));
     }
     Kvt8u chunk[1 << 16];
     size_t n;
