@@ -50,9 +50,6 @@ void init_transform(TransformDsp& d);
 namespace ssse3 {
 void init_transform(TransformDsp& d);
 }
-namespace avx2 {
-void init_transform(TransformDsp& d);
-}
 
 void init_transform_dsp(TransformDsp& d, unsigned cpu_flags);
 
