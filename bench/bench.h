@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -22,7 +23,8 @@ using Body = std::function<void(benchmark::State&)>;
 // the exported function itself. Rows print in registration order.
 void add_column(const std::string& function, const std::string& args, const std::string& column, Body body);
 // Registers the "checkasm" column of a row: `ticks_per_call` returns one figure measured as
-// checkasm_ticks does; the table shows it in ns.
+// checkasm_ticks does, once per repetition; the table shows the least of them in ns, as the
+// peer's figure is the least of several runs.
 void add_checkasm_column(const std::string& function, const std::string& args,
                          std::function<double()> ticks_per_call);
 // Names the tier the library uses for a row (marked in the table).
@@ -67,13 +69,24 @@ void add_kernel(const std::string& function, const std::string& args, void (*ini
 // get a "checkasm" column timed the same way.
 
 // The time-stamp counter (lfence; rdtsc), or steady-clock nanoseconds where there is none.
-uint64_t stamp();
+inline uint64_t stamp() {
+#if defined(__x86_64__) || defined(__i386__)
+    uint32_t lo, hi;
+    asm volatile("lfence\n\trdtsc" : "=a"(lo), "=d"(hi)::"memory");
+    return uint64_t(hi) << 32 | lo;
+#else
+    return uint64_t(std::chrono::duration_cast<std::chrono::nanoseconds>(
+                        std::chrono::steady_clock::now().time_since_epoch())
+                        .count());
+#endif
+}
 // Ticks of stamp() per nanosecond (measured once).
 double ticks_per_ns();
 // The mean cost of two back-to-back stamps: the mean of the middle half of 10000 pairs.
 double stamp_overhead();
 
-// Ticks per call of call(), the checkasm way.
+// Ticks per call of call(), the checkasm way. As there, the arguments should be values the
+// compiler keeps in registers (not loaded through a pointer after each call).
 template <class Call>
 double checkasm_ticks(Call&& call) {
     constexpr int kSamples = 1024;

@@ -62,9 +62,10 @@ std::shared_ptr<const Dsp> in_use(void (*init)(Dsp&, unsigned)) {
 template <class Slot>
 void sad_row(const std::string& fn, const std::string& args, Slot slot, int cur_offset = 0) {
     add_checkasm_column(fn, args, [k = slot(*in_use(init_sad_dsp)), cur_offset] {
-        const Frame& f = frame();
+        const uint8_t *const c = frame().cur() + cur_offset, *const r = frame().ref();
+        const auto kernel = k;
         int32_t s;
-        return checkasm_ticks([&] { k(f.cur() + cur_offset, kStep, f.ref(), kStep, &s); });
+        return checkasm_ticks([&] { kernel(c, kStep, r, kStep, &s); });
     });
     add_kernel<SadDsp>(
         fn, args, init_sad_dsp, ref::init_sad, [slot](const SadDsp& d) { return (const void*)slot(d); },
@@ -132,9 +133,10 @@ void phase_rows() {
     for (int ph = 0; ph < 4; ++ph) {
         const std::string p = std::string("phase ") + kPhase[ph];
         add_checkasm_column("kvtiSqrDiff16x16_8u32s", p, [k = in_use(init_me_dsp)->sqrdiff16[ph]] {
-            const Frame& f = frame();
+            const uint8_t *const c = frame().cur(), *const r = frame().ref();
+            const auto kernel = k;
             int32_t s;
-            return checkasm_ticks([&] { k(f.cur(), kStep, f.ref(), kStep, &s); });
+            return checkasm_ticks([&] { kernel(c, kStep, r, kStep, &s); });
         });
         me_row(
             "kvtiSqrDiff16x16_8u32s", p, [ph](const MeDsp& d) { return d.sqrdiff16[ph]; },
