@@ -70,11 +70,13 @@ void add_checkasm_column(const std::string& function, const std::string& args,
     registry().row(function, args);
     benchmark::RegisterBenchmark((function + "|" + args + "|checkasm").c_str(),
                                  [ticks_per_call](benchmark::State& st) {
-                                     for (auto _ : st) st.SetIterationTime(ticks_per_call() / ticks_per_ns() * 1e-9);
+                                     for (auto _ : st)
+                                         st.SetIterationTime(ticks_per_call() / ticks_per_ns() * 1e-9);
                                  })
         ->UseManualTime()
         ->Iterations(1)  // one figure is 4096 calls, whatever time it reports
-        ->ComputeStatistics("min", [](const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); });
+        ->ComputeStatistics(
+            "min", [](const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); });
 }
 
 double ticks_per_ns() {
@@ -84,8 +86,9 @@ double ticks_per_ns() {
         while (std::chrono::steady_clock::now() - t0 < std::chrono::milliseconds(20)) {
         }
         const uint64_t s1 = stamp();
-        const double ns = double(
-            std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() - t0).count());
+        const double ns =
+            double(std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() - t0)
+                       .count());
         return double(s1 - s0) / ns;
     }();
     return rate;

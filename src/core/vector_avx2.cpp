@@ -99,7 +99,8 @@ inline void copy128(const uint8_t* s, uint8_t* d) {
 // 1 to 64 bytes: all loads, then the (overlapping) stores.
 inline void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
     if (n >= 32) {  // 16-byte moves: two 32-byte ones are slower here (Zen 4)
-        const __m128i a = load16(src), b = load16(src + 16), c = load16(src + n - 32), d = load16(src + n - 16);
+        const __m128i a = load16(src), b = load16(src + 16), c = load16(src + n - 32),
+                      d = load16(src + n - 16);
         store16(dst, a);
         store16(dst + 16, b);
         store16(dst + n - 32, c);
@@ -130,7 +131,8 @@ inline void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
 
 inline void copy_mid(const uint8_t* src, uint8_t* dst, size_t n) {
     if (n <= 128) {
-        const __m256i a = load32(src), b = load32(src + 32), c = load32(src + n - 64), d = load32(src + n - 32);
+        const __m256i a = load32(src), b = load32(src + 32), c = load32(src + n - 64),
+                      d = load32(src + n - 32);
         store32(dst, a);
         store32(dst + 32, b);
         store32(dst + n - 64, c);

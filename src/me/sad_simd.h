@@ -62,7 +62,8 @@ KvtStatus sad_8x8(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_
 #pragma GCC unroll 2
         for (int y = 0; y < 8; y += 4, cur += 4 * cs, ref += 4 * rs) {
             even = _mm_add_epi32(even, _mm_sad_epu8(load_2rows8(cur, cs), pred_2rows8<type>(ref, rs)));
-            odd = _mm_add_epi32(odd, _mm_sad_epu8(load_2rows8(cur + 2 * cs, cs), pred_2rows8<type>(ref + 2 * rs, rs)));
+            odd = _mm_add_epi32(
+                odd, _mm_sad_epu8(load_2rows8(cur + 2 * cs, cs), pred_2rows8<type>(ref + 2 * rs, rs)));
         }
         *sad = hsum_sad(_mm_add_epi32(even, odd));
     }
