@@ -435,14 +435,384 @@ KVTAPI KvtStatus kvtiDCTInv_8x8_16s8u(const Kvt16s* pSrc, Kvt8u* pDst, int dstSt
 /* (end of section) */
 
 /* ---- MPEG-4 and H.263 coefficient decoding, AC/DC prediction and inverse quantization. ---- */
+/* Coefficient blocks are 64 Kvt16s in raster order (8 x row + column) unless "scan order" is said.
+ * The bitstream decoders take the byte cursor first and leave it just past the block on success;
+ * on a data error they return it (-72/-74 H.263 codes, -99/-100 MPEG-4 codes) with the cursor
+ * where the call began (after the DC for the separate-DC forms) and no output written, except
+ * where a line says otherwise. MPEG-4 readers return -105 for an offset outside 0..7.
+ *
+ * MPEG-4 intra prediction state (ISO/IEC 14496-2 7.4.3), kept by the caller:
+ *  - pCoefBufRow: one group of 8 Kvt16s per block column of the picture, plus one group before
+ *    column 0. The current block's group holds the reconstructed DC (entry 0) and the first-row
+ *    quantized AC (1..7) of the block above; entry -8 (the left column's group) holds the left
+ *    block's reconstructed DC. A negative DC marks a neighbour that is not available (outside the
+ *    VOP or the video packet): it predicts as 1024. Reset each group to DC -1, AC 0 at the start of
+ *    a video packet, and the group before column 0 likewise.
+ *  - pCoefBufCol: 8 Kvt16s per row of blocks (two for luminance: blocks 0-1 and 2-3, one for each
+ *    chrominance component); entries 1..7 hold the first-column quantized AC of the block to the
+ *    left (zero them at the left edge of the picture and at the start of a video packet).
+ *  - predDir: 0 no prediction (DC from 1024), 1 from the left block, 2 from the block above. With
+ *    left DC A, above-left B and above C (1024 when not available): 2 when |A - B| < |B - C|,
+ *    else 1 (ISO/IEC 14496-2 7.4.3.1). With AC prediction on, direction 1 decodes with the
+ *    alternate-vertical scan and 2 with the alternate-horizontal one; otherwise the zigzag scan.
+ *  - predQP: the quantizer of the block the prediction comes from (current QP when predDir is 0). */
+
+/* Scan tables (64 raster positions each). The _kvt names follow the AC prediction direction that
+ * selects them: _kvtVerticalZigzag is the alternate-horizontal order, _kvtHorizontalZigzag the
+ * alternate-vertical one. */
+KVTAPI extern const Kvt8u _kvtClassicalZigzag[64];
+KVTAPI extern const Kvt8u _kvtHorizontalZigzag[64];
+KVTAPI extern const Kvt8u _kvtVerticalZigzag[64];
+KVTAPI extern const Kvt8u ZigzagC[64]; /* classical zigzag */
+KVTAPI extern const Kvt8u ZigzagH[64]; /* alternate horizontal */
+KVTAPI extern const Kvt8u ZigzagV[64]; /* alternate vertical */
+/* MPEG-4 escape limits, index last * 64 + run (LMAX) or last * 64 + |level| (RMAX + 1); 0 where
+ * the intra (Table B-16) or inter (Table B-17) code table has no such event. */
+KVTAPI extern const Kvt8u _kvtLMAXintra[128];
+KVTAPI extern const Kvt8u _kvtLevelMAXinter[128];
+KVTAPI extern const Kvt8u _kvtRunMAXintra[128];
+KVTAPI extern const Kvt8u _kvtRMAXinter[128];
+
+/* -- Inverse scans: pDst[scan[i]] = pSrc[i] -- */
+/* All 64 coefficients in the alternate-horizontal order. */
+KVTAPI KvtStatus kvtiZigzagInv_Horizontal_16s(const Kvt16s* pSrc, Kvt16s* pDst);
+/* All 64 coefficients in the alternate-vertical order. */
+KVTAPI KvtStatus kvtiZigzagInv_Vertical_16s(const Kvt16s* pSrc, Kvt16s* pDst);
+/* The first len (1..64, else -72) scan positions, zigzag order; other pDst entries are kept. */
+KVTAPI KvtStatus kvtiZigzagInvClassical_Compact_16s(const Kvt16s* pSrc, int len, Kvt16s* pDst);
+/* As kvtiZigzagInvClassical_Compact_16s in the alternate-horizontal order. */
+KVTAPI KvtStatus kvtiZigzagInvHorizontal_Compact_16s(const Kvt16s* pSrc, int len, Kvt16s* pDst);
+/* As kvtiZigzagInvClassical_Compact_16s in the alternate-vertical order. */
+KVTAPI KvtStatus kvtiZigzagInvVertical_Compact_16s(const Kvt16s* pSrc, int len, Kvt16s* pDst);
+
+/* -- MPEG-4 coefficient codes to quantized coefficients (Tables B-13, B-14, B-16, B-17) -- */
+/* One intra DC size code and differential into *pDC; blockType 1 chrominance, else luminance. */
+KVTAPI KvtStatus kvtiDecodeVLC_IntraDCVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDC,
+                                                      int blockType);
+/* Zeroes pDst, DC differential by its own code, intra AC codes from scan position 1; predDir picks
+ * the scan: 0 zigzag, 1 alternate vertical, 2 alternate horizontal (else -93). On an AC error pDst
+ * holds zeros and the cursor stays after the DC. */
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraDCVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset,
+                                                            Kvt16s* pDst, int predDir, int blockType);
+/* As above with the DC coded in the intra AC table (from scan position 0). */
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_IntraACVLC_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset,
+                                                            Kvt16s* pDst, int predDir);
+/* Zeroes pDst, inter codes from scan position 0, zigzag scan. */
+KVTAPI KvtStatus kvtiDecodeVLCZigzag_Inter_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst);
+
+/* -- Block decoders: codes to residuals or pixels (inverse quantization and inverse DCT inside) -- */
+/* H.263 intra block without TCOEF: INTRADC (8 bits) fills the 8x8 pixels, 255 standing for 128;
+ * step >= 8 (-82); 0 and 128 give -73 with the cursor 8 bits on. */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_IntraDCOnly_H263_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                           int step);
+/* H.263 intra block: INTRADC (0 or 128: -73, cursor 8 bits on), TCOEF from scan position 1,
+ * inverse quantization (H.263 6.2.1), zigzag, inverse DCT to pixels; step >= 8 (-82), QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Intra_H263_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                     int step, int QP);
+/* H.263 inter block: TCOEF, inverse quantization, zigzag, inverse DCT in place to 64 residuals
+ * (raster); QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_H263_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst,
+                                                      int QP);
+/* H.263 Annex I intra block. predMode = INTRA_MODE + 1: 1 DC only (mean of the available left and
+ * above DCs, zigzag), 2 vertical DC and AC from above (alternate-horizontal scan), 3 horizontal
+ * from the left (alternate-vertical scan); else -83. Prediction state as for MPEG-4 (row groups
+ * and column buffer, AC as levels, negative DC: not available). coded 0: no TCOEF in the stream.
+ * AC: (level + predicted level) x 2 QP, clamped to -2048..2047; DC: 2 QP level + predicted DC,
+ * clamped to 0..2047 and made odd unless 0, stored in pCoefBufRow[0]. step >= 8 (-82), QP 1..31
+ * (-76). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_AdvIntra_H263_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                        int step, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
+                                                        int QP, int predMode, int coded);
+/* MPEG-4 inter block: inter codes, inverse quantization (pQMatrix: weighting matrix, raster, with
+ * mismatch control; NULL: H.263 method), inverse DCT in place to 64 residuals; QP 1..31 (-104). */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Inter_MPEG4_1u16s(Kvt8u** ppBitStream, int* pBitOffset, Kvt16s* pDst,
+                                                       int QP, const Kvt8u* pQMatrix);
+/* MPEG-4 intra block: DC (intraDCVLC nonzero: its own code; 0: in the AC table), AC codes, DC and
+ * (ACPredFlag nonzero) AC prediction, inverse quantization (pQMatrix: intra weighting matrix, NULL:
+ * H.263 method), inverse DCT to pixels. blockIndex 0..3 luminance, 4..5 chrominance, 6..9 alpha
+ * (luminance rules). Updates the prediction state and stores the reconstructed DC in
+ * pCoefBufRow[0]. Checks: nulls -8, step < 8 -14, QP or predQP outside 1..31 -104, predDir -93,
+ * blockIndex outside 0..9 -103, offset -105. */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_Intra_MPEG4_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                      int step, Kvt16s* pCoefBufRow, Kvt16s* pCoefBufCol,
+                                                      int QP, int predQP, int predDir, int ACPredFlag,
+                                                      int blockIndex, int intraDCVLC, const Kvt8u* pQMatrix);
+/* As kvtiDecodeBlockCoef_Intra_MPEG4_1u8u for a block without AC codes (CBP bit 0): reads only the
+ * DC when intraDCVLC is nonzero, nothing otherwise; AC prediction still applies. */
+KVTAPI KvtStatus kvtiDecodeBlockCoef_IntraDCOnly_MPEG4_1u8u(Kvt8u** ppBitStream, int* pBitOffset, Kvt8u* pDst,
+                                                            int step, Kvt16s* pCoefBufRow,
+                                                            Kvt16s* pCoefBufCol, int QP, int predQP,
+                                                            int predDir, int ACPredFlag, int blockIndex,
+                                                            int intraDCVLC, const Kvt8u* pQMatrix);
+
+/* -- MPEG-4 AC/DC prediction and inverse quantization (ISO/IEC 14496-2 7.4.3, 7.4.4) -- */
+/* Adds the DC (and with ACPredFlag the first row or column) prediction to quantized coefficients
+ * (entry 0: the DC differential) and stores the block's first row and column in the state;
+ * blockType 1 chrominance. pCoefBufRow[0] is left for the caller (store the reconstructed DC). */
+KVTAPI KvtStatus kvtiPredictReconCoefIntra_MPEG4_16s(Kvt16s* pSrcDst, Kvt16s* pCoefBufRow,
+                                                     Kvt16s* pCoefBufCol, int curQP, int predQP, int predDir,
+                                                     int ACPredFlag, int blockType);
+/* Intra: DC times the DC scaler; AC by pQMatrix (with mismatch control) or, NULL, the H.263 method;
+ * results -2048..2047; blockType 1 chrominance. */
+KVTAPI KvtStatus kvtiQuantInvIntra_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix, int blockType);
+/* Inter: pQMatrix (with mismatch control) or, NULL, the H.263 method; results -2048..2047. */
+KVTAPI KvtStatus kvtiQuantInvInter_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
+/* Intra weighting-matrix method for bitsPerPixel 4..12 (bounds +-2^(bits+3)); dcScalerFlag 1: DC
+ * scaler by QP, 0: 8. Checks: nulls, QP (-104), bits (-92), flag (-90). */
+KVTAPI KvtStatus kvtiQuantInvIntraFirst_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix,
+                                                    int dcScalerFlag, int blockType, int bitsPerPixel);
+/* Intra H.263 method for bitsPerPixel 4..12; checks: null, QP (-104), flag (-90), blockType 0/1
+ * (-91), bits (-92). */
+KVTAPI KvtStatus kvtiQuantInvIntraSecond_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, int dcScalerFlag, int blockType,
+                                                     int bitsPerPixel);
+/* Inter weighting-matrix method for bitsPerPixel 4..12. */
+KVTAPI KvtStatus kvtiQuantInvInterFirst_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix,
+                                                    int bitsPerPixel);
+/* Inter H.263 method for bitsPerPixel 4..12. */
+KVTAPI KvtStatus kvtiQuantInvInterSecond_MPEG4_16s_I(Kvt16s* pSrcDst, int QP, int bitsPerPixel);
+/* The first len scan-ordered coefficients (len >= 1, else -6): H.263 method from entry 1, entry 0
+ * an INTRADC value (255 -> 1024, else times 8); QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiQuantInvIntra_Compact_H263_16s_I(Kvt16s* pSrcDst, int len, int QP);
+/* The first len coefficients by the H.263 method, -2048..2047; len >= 1 (-6), QP 1..31 (-76). */
+KVTAPI KvtStatus kvtiQuantInvInter_Compact_H263_16s_I(Kvt16s* pSrcDst, int len, int QP);
+/* Whole-block forms; QP is not checked (values outside 1..31 are clamped to it), results -2048..2047. */
+/* Intra weighting-matrix method on entries 1..63; entry 0 must hold the reconstructed DC: it is kept
+ * (clamped to -2048..2047) and counted in the mismatch sum. */
+KVTAPI KvtStatus kvtiQuantInvIntra_MPEG4_16s_C1I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
+/* As kvtiQuantInvInter_MPEG4_16s_I (pQMatrix may be NULL: H.263 method). */
+KVTAPI KvtStatus kvtiQuantInv_MPEG4_16s_C1I(Kvt16s* pSrcDst, int QP, const Kvt8u* pQMatrix);
+/* H.263 intra: entry 0 an INTRADC value (255 -> 1024, else times 8), entries 1..63 the H.263 method. */
+KVTAPI KvtStatus kvtiQuantInvIntra_H263_C1I(Kvt16s* pSrcDst, int QP);
+/* H.263 inter: all 64 entries by the H.263 method. */
+KVTAPI KvtStatus kvtiQuantInv_H263_C1I(Kvt16s* pSrcDst, int QP);
 
 /* (end of section) */
 
 /* ---- Block motion compensation, prediction and reconstruction (MPEG-1/2, H.263, MPEG-4). ---- */
+/* Half-sample prediction of a block: with a the reference sample, b its right neighbour, c the one
+ * below and d the one below-right, and rounding control r, the phases are FF a, FH (a + c + 1 - r) >> 1,
+ * HF (a + b + 1 - r) >> 1 and HH (a + b + c + d + 2 - r) >> 2. Half-sample phases read one column
+ * (HF, HH) and one row (FH, HH) beyond the block; the caller provides them. */
+
+/* -- MPEG-1/2 block motion compensation (ISO/IEC 13818-2 7.6) -- */
+/* mcType bits 2 and 3 pick the phase (0 FF, 4 FH, 8 HF, 12 HH); other bits are ignored. r is used as
+ * given (0 or 1). The residual step is in bytes. Only the pointers are checked (-8). The UV forms
+ * take interleaved chroma (U V U V ...): the horizontal neighbour is two bytes to the right. */
+/* pDst = sat8(residual + prediction of the reference at mcType), for a WxH block. */
+KVTAPI KvtStatus kvtiMC16x16_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                   int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+/* As kvtiMC16x16_8u_C1 for the block size in the name. */
+KVTAPI KvtStatus kvtiMC16x8_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                  int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC16x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                  int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC8x16_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                  int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC8x8_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC8x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC4x8_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC4x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC4x2_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC2x4_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC2x2_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData, int srcYDataStep,
+                                 Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+KVTAPI KvtStatus kvtiMC16x8UV_8u_C1(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcYData,
+                                    int srcYDataStep, Kvt8u* pDst, int dstStep, int mcType, int roundControl);
+/* pDst = sat8(residual + ((pF + pB + 1) >> 1)), pF and pB the predictions of the forward and backward
+ * references at their own mcType, both with roundControl. */
+KVTAPI KvtStatus kvtiMC16x16B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                    int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                    Kvt8u* pDst, int dstStep, int roundControl);
+/* As kvtiMC16x16B_8u_C1 for the block size in the name. */
+KVTAPI KvtStatus kvtiMC16x8B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                   int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                   Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC16x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                   int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                   Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC8x16B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                   int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                   Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC8x8B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC8x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC4x8B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC4x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC4x2B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC2x4B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC2x2B_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                  int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                  Kvt8u* pDst, int dstStep, int roundControl);
+KVTAPI KvtStatus kvtiMC16x8BUV_8u_C1(const Kvt8u* pSrcRefF, int srcStepF, int mcTypeF, const Kvt8u* pSrcRefB,
+                                     int srcStepB, int mcTypeB, const Kvt16s* pSrcYData, int srcYDataStep,
+                                     Kvt8u* pDst, int dstStep, int roundControl);
+/* Copies an 8x8 block; a step below 8 returns -169. */
+KVTAPI KvtStatus kvtiCopyBlock_8x8_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep);
+/* Copies a 16x16 block; a step below 16 returns -168. */
+KVTAPI KvtStatus kvtiCopyBlock_16x16_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep);
+/* Half-sample prediction (no residual) of a width x height block, width and height each 4, 8 or 16 (else
+ * -6), mcType as in kvtiMC16x16_8u_C1, rounding control 0 (MPEG-4 rounding_type 0). */
+KVTAPI KvtStatus kvtiMCBlock_RoundOff_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep, int width,
+                                         int height, int mcType);
+/* As kvtiMCBlock_RoundOff_8u with rounding control 1. */
+KVTAPI KvtStatus kvtiMCBlock_RoundOn_8u(const Kvt8u* pSrc, int srcStep, Kvt8u* pDst, int dstStep, int width,
+                                        int height, int mcType);
+
+/* -- H.263 prediction and reconstruction: source and destination share one step -- */
+/* Copies a 16x16 macroblock; step below 16: -81. */
+KVTAPI KvtStatus kvtiCopyMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* Copies an 8x8 block; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 16x16 horizontal half-sample prediction HF, r = 0; step below 16: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 8x8 HF, r = 0; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 16x16 vertical half-sample prediction FH, r = 0; step below 16: -82. */
+KVTAPI KvtStatus kvtiCopyApproxVMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 8x8 FH, r = 0; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyApproxVBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 16x16 HH, r = 0; step below 16: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHVMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* 8x8 HH, r = 0; step below 8: -82. */
+KVTAPI KvtStatus kvtiCopyApproxHVBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step);
+/* pDst = sat8(pSrcPred + 64 residuals, row by row) for an 8x8 block; step below 8: -82. */
+KVTAPI KvtStatus kvtiReconBlock_H263(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step);
+/* pSrcDst = sat8(pSrcDst + 64 residuals) for an 8x8 block; step below 8: -82. */
+KVTAPI KvtStatus kvtiReconBlock_H263_I(Kvt8u* pSrcDst, const Kvt16s* pSrcResid, int step);
+/* pDst = sat8(pSrcPred + residual) for a 16x16 macroblock; pSrcResid holds 256 values, the 8x8 luminance
+ * blocks top-left, top-right, bottom-left, bottom-right one after another; step below 16: -81. */
+KVTAPI KvtStatus kvtiReconMB_H263(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step);
+/* As kvtiReconMB_H263 in place. */
+KVTAPI KvtStatus kvtiReconMB_H263_I(Kvt8u* pSrcDst, const Kvt16s* pSrcResid, int step);
+/* pDst = sat8(pSrcPred + 64 residuals) for an 8x8 block; step below 8: -169. */
+KVTAPI KvtStatus kvtiReconBlock_8x8(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step);
+/* H.263 Annex F overlapped prediction of the 8x8 block at pSrcRef (reference and destination share step):
+ * (p0 * H0 + p1 * H1 + p2 * H2 + 4) >> 3 with p0 the prediction at *pMVCur, p1 at *pMVAbove (rows 0..3) or
+ * *pMVBelow (rows 4..7), p2 at *pMVLeft (columns 0..3) or *pMVRight (columns 4..7); half-sample vectors,
+ * rounding control 0. Each vector's prediction reads the 8x8 block it points to (plus the half-sample
+ * column and row). Null: reference, destination, current, left, right, above, below (-8); step < 8: -82. */
+KVTAPI KvtStatus kvtiPredictBlock_OBMC_8u(const Kvt8u* pSrcRef, Kvt8u* pDst, int step,
+                                          const KvtMotionVec* pMVCur, const KvtMotionVec* pMVLeft,
+                                          const KvtMotionVec* pMVRight, const KvtMotionVec* pMVAbove,
+                                          const KvtMotionVec* pMVBelow);
+/* Replicates the border samples of the width x height picture at pSrcDst outward by expandPels on all
+ * four sides, corners included (H.263 Annex D unrestricted vectors); checks: pointer -8, width < 8 -80,
+ * height < 1 -79, expandPels < 8 -78, step < 8 -82, step < width + 2 * expandPels -77. */
+KVTAPI KvtStatus kvtiExpandFrame_H263_8u(Kvt8u* pSrcDst, int width, int height, int expandPels, int step);
+
+/* -- MPEG-4 half-sample prediction (ISO/IEC 14496-2 7.6.2): the reference pointer is the block's
+ * co-located position; the vector (half samples) moves it by (dx >> 1, dy >> 1) and its odd bits pick
+ * the phase. roundControl: 0, or nonzero for rounding_type 1. Steps are not checked. -- */
+/* 8x8 prediction at *pMV; only pSrcRef and pDst are checked (-8). */
+KVTAPI KvtStatus kvtiCopyBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                               const KvtMotionVec* pMV, int roundControl);
+/* 16x16 prediction at *pMV; only pSrcRef and pDst are checked (-8). */
+KVTAPI KvtStatus kvtiCopyMBHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                            const KvtMotionVec* pMV, int roundControl);
+/* pDst = sat8(8x8 prediction at *pMV + 64 residuals); only pSrcRef and pDst are checked (-8). */
+KVTAPI KvtStatus kvtiReconBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcResid,
+                                                Kvt8u* pDst, int dstStep, const KvtMotionVec* pMV,
+                                                int roundControl);
+/* pDst = (pSrc1 + pSrc2 + 1) >> 1 over an 8x8 block. */
+KVTAPI KvtStatus kvtiAverageBlock_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,
+                                           Kvt8u* pDst, int dstStep);
+/* pDst = (pSrc1 + pSrc2 + 1) >> 1 over a 16x16 block. */
+KVTAPI KvtStatus kvtiAverageMB_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,
+                                        Kvt8u* pDst, int dstStep);
+/* pSrcDst = (pSrc + pSrcDst + 1) >> 1 over an 8x8 block. */
+KVTAPI KvtStatus kvtiAverageBlock_MPEG4_8u_I(const Kvt8u* pSrc, int srcStep, Kvt8u* pSrcDst, int srcDstStep);
+/* pSrcDst = (pSrc + pSrcDst + 1) >> 1 over a 16x16 block. */
+KVTAPI KvtStatus kvtiAverageMB_MPEG4_8u_I(const Kvt8u* pSrc, int srcStep, Kvt8u* pSrcDst, int srcDstStep);
+/* kvtiPredictBlock_OBMC_8u with separate steps and the rounding control of the half-sample predictions;
+ * only the pointers are checked (-8), in the same order. */
+KVTAPI KvtStatus kvtiOBMCHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                          const KvtMotionVec* pMVCur, const KvtMotionVec* pMVLeft,
+                                          const KvtMotionVec* pMVRight, const KvtMotionVec* pMVAbove,
+                                          const KvtMotionVec* pMVBelow, int roundControl);
 
 /* (end of section) */
 
 /* ---- H.264 intra prediction, transform and quantization. ---- */
+/* Blocks of 8-bit samples are predicted in place from their reconstructed neighbours in the same
+ * plane (row above, column to the left, corner, and for 4x4 the four samples above-right). The
+ * availability mask tests only bits 1 (upper row), 2 (left column), 32 (corner) and 64 (upper
+ * right, 4x4 only). Modes are the standard's numbers; chroma: 0 DC, 1 horizontal, 2 vertical,
+ * 3 plane. Coefficient blocks are 16 Kvt16s in raster order; QP is 0..51 unless noted. Values the
+ * standard computes wider than 16 bits are stored truncated to 16 bits; the sums of the inverse
+ * transforms wrap at 16 bits, and their final (x + 32) >> 6 is exact. The forward quantizers store
+ * the levels, then (unless a level exceeds 2063: -13) the count of nonzero levels, negated when
+ * the level at raster position 0 is nonzero, and the largest pScanMatrix entry with the entries of
+ * zero levels taken as 0, masked to 7 bits (0 when all levels are zero). */
+
+/* 4x4 luma, modes 0..8 (-11); step >= 4 (-14). A missing neighbour is taken as 128 and the call
+ * returns 11; a missing upper right repeats U[3] without the warning. */
+KVTAPI KvtStatus kvtiPredictIntra_4x4_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                   Kvt32u availability);
+/* 16x16 luma, modes 0..3 (-11); step >= 16 (-81); -117 and nothing written when a needed
+ * neighbour is missing. */
+KVTAPI KvtStatus kvtiPredictIntra_16x16_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                     Kvt32u availability);
+/* 8x8 chroma, modes 0..3 (-11); step >= 8 (-81); -117 as for 16x16. */
+KVTAPI KvtStatus kvtiPredictIntraChroma8x8_H264_8u_C1IR(Kvt8u* pSrcDst, int srcDstStep, int predMode,
+                                                        Kvt32u availability);
+
+/* Intra 16x16 luma DC: inverse 4x4 Hadamard of the 16 DC levels, then dequantization. */
+KVTAPI KvtStatus kvtiTransformDequantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP);
+/* Chroma DC: inverse 2x2 transform of the 4 DC levels, then (f * v(QP, 0)) >> 1. */
+KVTAPI KvtStatus kvtiTransformDequantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, int QP);
+/* Dequantizes and inverse-transforms a 4x4 block in place (step >= 8 bytes, -14, checked after
+ * QP); pDC (may be NULL) replaces the DC by an already scaled value; AC == 0: DC-only block. */
+KVTAPI KvtStatus kvtiDequantTransformResidual_H264_16s_C1I(Kvt16s* pSrcDst, int srcDstStep, const Kvt16s* pDC,
+                                                           int AC, int QP);
+/* As kvtiDequantTransformResidual_H264_16s_C1I on 16 contiguous values, then pDst = clamp(pPred +
+ * residual); pSrcDst receives the residual. DC-only path (AC == 0 or pSrcDst NULL): pSrcDst is only
+ * read, the residual (c0 + 32) >> 6 is limited to -256..256; pSrcDst and pDC not both NULL (-8). */
+KVTAPI KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kvt16s* pSrcDst,
+                                                                 const Kvt16s* pDC, Kvt8u* pDst, int predStep,
+                                                                 int dstStep, int QP, int AC);
+/* Forward 4x4 core transform of a prediction block, unscaled (SP/SI). */
+KVTAPI KvtStatus kvtiTransformPrediction_H264_8u16s_C1(const Kvt8u* pSrc, int srcStep, Kvt16s* pDst);
+/* SP/SI 4x4: levels dequantized with QP (QS when SI != 0) plus the transformed prediction,
+ * requantized with QS, inverse-transformed and clamped to 0..255 into pSrcDst; pDC (may be NULL)
+ * is the dequantized DC used as it is. QP and QS are not checked: keep them 0..51. */
+KVTAPI KvtStatus kvtiDequantTransformResidual_SISP_H264_16s_C1I(Kvt16s* pSrcDst, const Kvt16s* pTransformPred,
+                                                                const Kvt16s* pDC, int AC, int QP, int QS,
+                                                                int SI);
+/* SP/SI chroma DC: the 2x2 counterpart on 4 DC levels and 4 prediction DC coefficients; QP and QS
+ * are not checked: keep them 0..51. */
+KVTAPI KvtStatus kvtiTransformDequantChromaDC_SISP_H264_16s_C1I(Kvt16s* pSrcDst, const Kvt16s* pDCPredict,
+                                                                int QP, int QS, int SI);
+/* Encoder chroma DC: 2x2 transform of pSrcDst into pTBlock (needTransform != 0; otherwise pTBlock
+ * holds it), quantized into pSrcDst; chroma QP 0..39 (-11). */
+KVTAPI KvtStatus kvtiTransformQuantChromaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlock, int QP,
+                                                         Kvt8s* pNumLevels, Kvt8u intra, Kvt8u needTransform);
+/* Encoder intra 16x16 luma DC: 4x4 Hadamard halved (>> 1) of pSrcDst into pTBlock (needTransform
+ * != 0; otherwise pTBlock holds it), quantized with the intra rounding into pSrcDst. */
+KVTAPI KvtStatus kvtiTransformQuantLumaDC_H264_16s_C1I(Kvt16s* pSrcDst, Kvt16s* pTBlock, int QP,
+                                                       Kvt8s* pNumLevels, Kvt8u needTransform,
+                                                       const Kvt16s* pScanMatrix, Kvt8u* pLastPos);
+/* Encoder 4x4 residual: forward core transform and quantization in place (intra != 0: rounding
+ * 1/3, else 1/6); pScanMatrix gives the scan index of each raster position. */
+KVTAPI KvtStatus kvtiTransformQuantResidual_H264_16s_C1I(Kvt16s* pSrcDst, int QP, Kvt8s* pNumLevels,
+                                                         Kvt8u intra, const Kvt16s* pScanMatrix,
+                                                         Kvt8u* pLastPos);
 
 /* (end of section) */
 

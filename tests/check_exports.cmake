@@ -11,7 +11,7 @@ foreach(line ${lines})
   if(name STREQUAL "" OR name MATCHES "^KVTVC_" OR line MATCHES " A ")
     continue()  # version-node absolute symbols
   endif()
-  if(NOT name MATCHES "^(kvt[A-Za-z0-9_]+|_kvt[A-Za-z0-9_]+|ownvBitMask)$")
+  if(NOT name MATCHES "^(kvt[A-Za-z0-9_]+|_kvt[A-Za-z0-9_]+|ownvBitMask|Zigzag[CHV])$")
     message(FATAL_ERROR "unexpected exported symbol: ${line}")
   endif()
   math(EXPR count "${count} + 1")

@@ -5,11 +5,11 @@
 // strings of '0' and '1', independent of the library's bit writer.
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <cstdlib>
 #include <functional>
 #include <map>
 
+#include "bit_string.h"
 #include "checkasm.h"
 #include "kvtvc.h"
 #include "mpeg4/h263_mv_dsp.h"
@@ -30,24 +30,6 @@ namespace {
 
 constexpr KvtMotionVec n9{9, 9};  // outputs start as this, so what a reader left alone shows
 constexpr Vecs none{{n9, n9, n9, n9}};
-
-std::string to_bits(uint32_t v, int n) { return std::bitset<32>(v).to_string().substr(size_t(32 - n)); }
-
-// `bits` packed most significant first, `skip` bits into random bytes with 8 more random bytes
-// behind (the readers look ahead past the last code); the cursor on the first of `bits`.
-struct Stream {
-    std::vector<uint8_t> b;
-    uint8_t* p;
-    int offset;
-    Stream(Rng& rng, const std::string& bits, int skip) : b((size_t(skip) + bits.size()) / 8 + 9) {
-        for (auto& x : b) x = uint8_t(rng.next());
-        for (size_t i = 0, j = size_t(skip); i < bits.size(); ++i, ++j)
-            b[j / 8] = uint8_t((b[j / 8] & ~(0x80 >> j % 8)) | (bits[i] - '0') << (7 - j % 8));
-        p = &b[size_t(skip / 8)];
-        offset = skip % 8;
-    }
-    long pos() const { return offset >> 3 ? -1 : long(p - b.data()) * 8 + offset; }  // -1: offset not 0..7
-};
 
 // A difference d brought into the range of 32 << fcode half samples centred on zero.
 int wrap_mv(int d, int fcode) { return ((d + (48 << fcode)) & ((32 << fcode) - 1)) - (16 << fcode); }

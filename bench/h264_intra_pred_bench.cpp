@@ -1,0 +1,62 @@
+// H.264 intra prediction: every mode's kernel with all neighbours available, in a 64-byte-step
+// plane (compare FFmpeg's pred4x4/pred8x8/pred16x16 rows of checkasm's h264pred test).
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "bench.h"
+#include "h264/intra_pred_dsp.h"
+#include "kvtvc.h"
+
+using namespace kvt;
+using namespace kvt::bench;
+
+namespace {
+
+constexpr int kStep = 64;
+constexpr unsigned kAll = kNbUpper | kNbLeft | kNbCorner | kNbUpperRight;
+
+// One plane per row, the block at (16, 16) of random samples.
+struct Plane {
+    std::vector<uint8_t> buf = std::vector<uint8_t>(kStep * 48);
+    Plane() {
+        uint32_t x = 2024;
+        for (uint8_t& v : buf) v = uint8_t((x = x * 1103515245u + 12345u) >> 24);
+    }
+    uint8_t* block() { return buf.data() + 16 * kStep + 16; }
+};
+
+template <class Slot>
+void pred_row(const std::string& fn, const std::string& args, Slot slot) {
+    add_kernel<IntraPredDsp>(
+        fn, args, init_intra_pred_dsp, ref::init_intra_pred,
+        [slot](const IntraPredDsp& d) { return (const void*)slot(d); },
+        [slot](const IntraPredDsp& d, benchmark::State& st) {
+            Plane p;
+            const IntraPredFn k = slot(d);
+            for (auto _ : st) {
+                benchmark::DoNotOptimize(k(p.block(), kStep, kAll));
+                benchmark::ClobberMemory();
+            }
+        });
+}
+
+KVT_BENCH_ROWS {
+    const char* const k4x4[9] = {"vertical",        "horizontal",    "DC",
+                                 "down-left",       "down-right",    "vertical-right",
+                                 "horizontal-down", "vertical-left", "horizontal-up"};
+    const char* const k16[4] = {"vertical", "horizontal", "DC", "plane"};
+    const char* const kChroma[4] = {"DC", "horizontal", "vertical", "plane"};
+    for (int m = 0; m < 9; ++m)
+        pred_row("kvtiPredictIntra_4x4_H264_8u_C1IR", k4x4[m],
+                 [m](const IntraPredDsp& d) { return d.pred4x4[m]; });
+    for (int m = 0; m < 4; ++m)
+        pred_row("kvtiPredictIntra_16x16_H264_8u_C1IR", k16[m],
+                 [m](const IntraPredDsp& d) { return d.pred16x16[m]; });
+    for (int m = 0; m < 4; ++m)
+        pred_row("kvtiPredictIntraChroma8x8_H264_8u_C1IR", kChroma[m],
+                 [m](const IntraPredDsp& d) { return d.chroma8x8[m]; });
+    return 0;
+}
+
+}  // namespace

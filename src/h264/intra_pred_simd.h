@@ -1,0 +1,317 @@
+// The vector H.264 intra prediction kernels, compiled once per tier file (intra_pred_sse2.cpp,
+// _ssse3, _avx2): whole-row stores for the 16x16 and chroma modes, the plane modes in 16-bit lanes,
+// the 4x4 vertical, horizontal and DC modes as 32-bit rows, and with SSSE3 the six directional 4x4
+// modes by one byte shuffle each. Include only from a tier file.
+//
+// The directional modes: a 4x4 block's neighbours, substituted as the rules say, form one edge
+// vector
+//   e = L3 L3 L2 L1 L0 M U0 U1 U2 U3 U4 U5 U6 U7 U7 U7,
+// from which A2[k] = Avg2(e[k], e[k+1]) and A3[k] = Avg3(e[k], e[k+1], e[k+2]). Every sample of a
+// directional mode is one of these (the doubled L3 and U7 give the standard's (L2 + 3 L3 + 2) >> 2
+// and (U6 + 3 U7 + 2) >> 2), so a mode is an 8-wide window of A2, one of A3 and a shuffle.
+#pragma once
+
+#include <emmintrin.h>
+#if defined(__AVX2__)
+#include <immintrin.h>
+#elif defined(__SSSE3__)
+#include <tmmintrin.h>
+#endif
+
+#include <cstring>
+
+#include "h264/intra_pred_dsp.h"
+
+namespace {
+
+using namespace kvt;
+
+inline uint8_t* row(uint8_t* p, int step, int y) { return p + intptr_t(y) * step; }
+inline uint32_t load32(const uint8_t* p) {
+    uint32_t v;
+    std::memcpy(&v, p, 4);
+    return v;
+}
+inline void store32(uint8_t* p, uint32_t v) { std::memcpy(p, &v, 4); }
+inline void fill4(uint8_t* p, int step, uint32_t v) {
+    for (int y = 0; y < 4; ++y) store32(row(p, step, y), v);
+}
+// L[y0 .. y0 + 3] as one 32-bit value, L[y0] in the low byte.
+inline uint32_t left4(const uint8_t* p, int step, int y0) {
+    const uint8_t* q = p + intptr_t(y0) * step - 1;
+    const intptr_t s = step;
+    return q[0] | q[s] << 8 | q[2 * s] << 16 | uint32_t(q[3 * s]) << 24;
+}
+// Sum of L[y0 .. y0 + n - 1], n a multiple of 4, walking down the column with four accumulators.
+inline int sum_left(const uint8_t* p, int step, int y0, int n) {
+    const intptr_t s = step;
+    const uint8_t* q = p + y0 * s - 1;
+    int s0 = 0, s1 = 0, s2 = 0, s3 = 0;
+    for (int y = 0; y < n; y += 4, q += 4 * s) s0 += q[0], s1 += q[s], s2 += q[2 * s], s3 += q[3 * s];
+    return (s0 + s1) + (s2 + s3);
+}
+
+// N bytes of a row: 16 or the low 8.
+template <int N>
+void store_row(uint8_t* p, __m128i v) {
+    if constexpr (N == 16)
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v);
+    else
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v);
+}
+template <int N>
+__m128i load_row(const uint8_t* p) {
+    if constexpr (N == 16)
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    else
+        return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+}
+template <int N>
+void fill(uint8_t* p, int step, __m128i v, int rows = N) {
+    for (int y = 0; y < rows; ++y) store_row<N>(row(p, step, y), v);
+}
+
+// ---- 4x4 luma: vertical, horizontal, DC ---------------------------------------------------
+
+inline KvtStatus vertical4(uint8_t* p, int step, unsigned avail) {
+    const bool up = avail & kNbUpper;
+    fill4(p, step, up ? load32(p - step) : 0x80808080u);
+    return up ? kvtStsOk : kvtStsNeighbourSubstituted;
+}
+
+inline KvtStatus horizontal4(uint8_t* p, int step, unsigned avail) {
+    if (!(avail & kNbLeft)) {
+        fill4(p, step, 0x80808080u);
+        return kvtStsNeighbourSubstituted;
+    }
+    for (int y = 0; y < 4; ++y) store32(row(p, step, y), 0x01010101u * row(p, step, y)[-1]);
+    return kvtStsOk;
+}
+
+inline KvtStatus dc4(uint8_t* p, int step, unsigned avail) {
+    const bool up = avail & kNbUpper, left = avail & kNbLeft;
+    const uint8_t* a = p - step;
+    const int s = (up ? (a[0] + a[1]) + (a[2] + a[3]) : 0) + (left ? sum_left(p, step, 0, 4) : 0);
+    const int dc = up && left ? (s + 4) >> 3 : up || left ? (s + 2) >> 2 : 128;
+    fill4(p, step, 0x01010101u * uint32_t(dc));
+    return kvtStsOk;
+}
+
+// ---- 16x16 luma and 8x8 chroma -----------------------------------------------------------
+
+template <int N>
+KvtStatus vertical(uint8_t* p, int step, unsigned) {
+    fill<N>(p, step, load_row<N>(p - step));
+    return kvtStsOk;
+}
+
+// With AVX2 each row is a byte broadcast straight from memory. Otherwise four rows at a time from
+// one 32-bit word of left samples, broadcast in vector registers (one transfer from a general
+// register per four rows).
+template <int N>
+KvtStatus horizontal(uint8_t* p, int step, unsigned) {
+#if defined(__AVX2__)
+    for (int y = 0; y < N; ++y) store_row<N>(row(p, step, y), _mm_set1_epi8(char(row(p, step, y)[-1])));
+#else
+    for (int y = 0; y < N; y += 4) {
+        __m128i v = _mm_cvtsi32_si128(int(left4(p, step, y)));
+        v = _mm_unpacklo_epi8(v, v);
+        v = _mm_unpacklo_epi16(v, v);  // L[y + k] four times in lane k
+        store_row<N>(row(p, step, y), _mm_shuffle_epi32(v, 0x00));
+        store_row<N>(row(p, step, y + 1), _mm_shuffle_epi32(v, 0x55));
+        store_row<N>(row(p, step, y + 2), _mm_shuffle_epi32(v, 0xAA));
+        store_row<N>(row(p, step, y + 3), _mm_shuffle_epi32(v, 0xFF));
+    }
+#endif
+    return kvtStsOk;
+}
+
+inline int sum_upper16(const uint8_t* p, int step) {
+    const __m128i s = _mm_sad_epu8(load_row<16>(p - step), _mm_setzero_si128());
+    return _mm_cvtsi128_si32(_mm_add_epi32(s, _mm_unpackhi_epi64(s, s)));
+}
+
+inline KvtStatus dc16x16(uint8_t* p, int step, unsigned avail) {
+    const bool up = avail & kNbUpper, left = avail & kNbLeft;
+    const int s = (up ? sum_upper16(p, step) : 0) + (left ? sum_left(p, step, 0, 16) : 0);
+    const int dc = up && left ? (s + 16) >> 5 : up || left ? (s + 8) >> 4 : 128;
+    fill<16>(p, step, _mm_set1_epi8(char(dc)));
+    return kvtStsOk;
+}
+
+// Chroma DC: the four quarter values, rows 0..3 from the top pair, rows 4..7 from the bottom pair.
+inline KvtStatus dc_chroma(uint8_t* p, int step, unsigned avail) {
+    const bool up = avail & kNbUpper, left = avail & kNbLeft;
+    int su0 = 0, su1 = 0;
+    if (up) {  // the two 4-sample sums of the upper row in the two halves of one PSADBW
+        const __m128i u = _mm_unpacklo_epi32(load_row<8>(p - step), _mm_setzero_si128());
+        const __m128i s = _mm_sad_epu8(u, _mm_setzero_si128());
+        su0 = _mm_cvtsi128_si32(s), su1 = _mm_cvtsi128_si32(_mm_unpackhi_epi64(s, s));
+    }
+    const int sl0 = left ? sum_left(p, step, 0, 4) : 0, sl1 = left ? sum_left(p, step, 4, 4) : 0;
+    const auto mean4 = [](int s) { return (s + 2) >> 2; };
+    int q[4] = {128, 128, 128, 128};
+    if (up && left)
+        q[0] = (su0 + sl0 + 4) >> 3, q[1] = mean4(su1), q[2] = mean4(sl1), q[3] = (su1 + sl1 + 4) >> 3;
+    else if (up)
+        q[0] = q[2] = mean4(su0), q[1] = q[3] = mean4(su1);
+    else if (left)
+        q[0] = q[1] = mean4(sl0), q[2] = q[3] = mean4(sl1);
+    // The four values in one word, then each widened to four bytes: q0 q0 q0 q0 q1 .. q3.
+    __m128i v = _mm_cvtsi32_si128(q[0] | q[1] << 8 | q[2] << 16 | q[3] << 24);
+    v = _mm_unpacklo_epi8(v, v);
+    v = _mm_unpacklo_epi16(v, v);
+    fill<8>(p, step, v, 4);
+    fill<8>(row(p, step, 4), step, _mm_unpackhi_epi64(v, v), 4);
+    return kvtStsOk;
+}
+
+// sum over i = 1..h of i * (E[i] - E[-i]) for the edge samples E[k] at centre + k * stride, in
+// general registers (shorter latency than a vector reduction).
+template <int h>
+inline int gradient(const uint8_t* centre, intptr_t stride) {
+    int s0 = 0, s1 = 0;
+    for (int i = 1; i <= h; i += 2) {
+        s0 += i * (centre[i * stride] - centre[-i * stride]);
+        s1 += (i + 1) * (centre[(i + 1) * stride] - centre[-(i + 1) * stride]);
+    }
+    return s0 + s1;
+}
+
+// Plane prediction (H.264 8.3.3.4, 8.3.4.4): the row a + b * (x - h + 1) + c * (1 - h) + 16 in
+// 16-bit lanes (its values stay within +-20000), c added per row, >> 5 and packed with
+// saturation.
+template <int N>
+KvtStatus plane(uint8_t* p, int step, unsigned) {
+    constexpr int h = N / 2;
+    const uint8_t* above = p - step;
+    const int H = gradient<h>(above + h - 1, 1);
+    const int V = gradient<h>(row(p, step, h - 1) - 1, step);
+    const int b = N == 16 ? (5 * H + 32) >> 6 : (17 * H + 16) >> 5;
+    const int c = N == 16 ? (5 * V + 32) >> 6 : (17 * V + 16) >> 5;
+    const int a = 16 * (row(p, step, N - 1)[-1] + above[N - 1]);
+    const __m128i vc = _mm_set1_epi16(int16_t(c));
+    __m128i lo =
+        _mm_add_epi16(_mm_set1_epi16(int16_t(a + 16 - (h - 1) * (b + c))),
+                      _mm_mullo_epi16(_mm_set1_epi16(int16_t(b)), _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7)));
+    if constexpr (N == 8) {
+        for (int y = 0; y < N; ++y, lo = _mm_add_epi16(lo, vc)) {
+            const __m128i v = _mm_srai_epi16(lo, 5);
+            store_row<N>(row(p, step, y), _mm_packus_epi16(v, v));
+        }
+    } else {
+        __m128i hi = _mm_add_epi16(lo, _mm_set1_epi16(int16_t(8 * b)));
+        for (int y = 0; y < N; ++y, lo = _mm_add_epi16(lo, vc), hi = _mm_add_epi16(hi, vc))
+            store_row<N>(row(p, step, y), _mm_packus_epi16(_mm_srai_epi16(lo, 5), _mm_srai_epi16(hi, 5)));
+    }
+    return kvtStsOk;
+}
+
+inline void fill_intra_basic(IntraPredDsp& d) {
+    d.pred4x4[0] = vertical4;
+    d.pred4x4[1] = horizontal4;
+    d.pred4x4[2] = dc4;
+    d.pred16x16[0] = vertical<16>;
+    d.pred16x16[1] = horizontal<16>;
+    d.pred16x16[2] = dc16x16;
+    d.pred16x16[3] = plane<16>;
+    d.chroma8x8[0] = dc_chroma;
+    d.chroma8x8[1] = horizontal<8>;
+    d.chroma8x8[2] = vertical<8>;
+    d.chroma8x8[3] = plane<8>;
+}
+
+#if defined(__SSSE3__)
+
+inline void store32(uint8_t* p, __m128i v) {
+    const int w = _mm_cvtsi128_si32(v);
+    std::memcpy(p, &w, 4);
+}
+
+// The raw neighbours as U0..U7 L0 L1 L2 L3 M (bytes 0..12), only those the mode reads.
+template <unsigned uses>
+__m128i raw_edge(const uint8_t* p, int step, unsigned avail) {
+    const uint8_t* above = p - step;
+    constexpr unsigned whole_row = kNbUpper | kNbUpperRight;
+    __m128i upper = _mm_setzero_si128();
+    if ((uses & whole_row) == whole_row && (avail & whole_row) == whole_row) {
+        upper = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(above));
+    } else if (uses & kNbUpper) {
+        const uint32_t u = avail & kNbUpper ? load32(above) : 0x80808080u;
+        const uint32_t ur = !(uses & kNbUpperRight) ? 0
+                            : avail & kNbUpperRight ? load32(above + 4)
+                                                    : 0x01010101u * (u >> 24);
+        upper = _mm_unpacklo_epi32(_mm_cvtsi32_si128(int(u)), _mm_cvtsi32_si128(int(ur)));
+    }
+    int left = 0, m = 0;
+    if (uses & kNbLeft) {
+        left = int(0x80808080u);
+        if (avail & kNbLeft)
+            left = p[-1] | p[intptr_t(step) - 1] << 8 | p[2 * intptr_t(step) - 1] << 16 |
+                   p[3 * intptr_t(step) - 1] << 24;
+    }
+    if (uses & kNbCorner) m = avail & kNbCorner ? above[-1] : 128;
+    const __m128i lm = _mm_unpacklo_epi32(_mm_cvtsi32_si128(left), _mm_cvtsi32_si128(m));
+    return _mm_unpacklo_epi64(upper, lm);
+}
+
+// Mode 3..8: the neighbours it reads, the A2 and A3 windows, and for each sample (raster order)
+// its index in [A2 window | A3 window].
+struct Directional {
+    unsigned uses;
+    int a2, a3;
+    int8_t pick[16];
+};
+// clang-format off
+constexpr Directional kModes[6] = {
+    // 3 diagonal down-left: A3[6 + x + y]
+    {kNbUpper | kNbUpperRight, 0, 6, {8, 9, 10, 11, 9, 10, 11, 12, 10, 11, 12, 13, 11, 12, 13, 14}},
+    // 4 diagonal down-right: A3[4 + x - y]
+    {kNbUpper | kNbLeft | kNbCorner, 0, 1, {11, 12, 13, 14, 10, 11, 12, 13, 9, 10, 11, 12, 8, 9, 10, 11}},
+    // 5 vertical-right: rows A2[5..8], A3[4..7], A3[3] A2[5..7], A3[2] A3[4..6]
+    {kNbUpper | kNbLeft | kNbCorner, 5, 2, {0, 1, 2, 3, 10, 11, 12, 13, 9, 0, 1, 2, 8, 10, 11, 12}},
+    // 6 horizontal-down
+    {kNbUpper | kNbLeft | kNbCorner, 1, 1, {3, 11, 12, 13, 2, 10, 3, 11, 1, 9, 2, 10, 0, 8, 1, 9}},
+    // 7 vertical-left: even rows A2[6 + x + y / 2], odd rows A3[6 + x + y / 2]
+    {kNbUpper | kNbUpperRight, 6, 6, {0, 1, 2, 3, 8, 9, 10, 11, 1, 2, 3, 4, 9, 10, 11, 12}},
+    // 8 horizontal-up: A2[3] A3[2] A2[2] A3[1] A2[1] A3[0], then L3 = A2[0]
+    {kNbLeft, 0, 0, {3, 10, 2, 9, 2, 9, 1, 8, 1, 8, 0, 0, 0, 0, 0, 0}},
+};
+// clang-format on
+
+template <int mode>
+KvtStatus directional(uint8_t* p, int step, unsigned avail) {
+    constexpr Directional m = kModes[mode - 3];
+    // U0..U7 L0 L1 L2 L3 M -> L3 L3 L2 L1 L0 M U0 .. U7 U7 U7
+    const __m128i e = _mm_shuffle_epi8(raw_edge<m.uses>(p, step, avail),
+                                       _mm_setr_epi8(11, 11, 10, 9, 8, 12, 0, 1, 2, 3, 4, 5, 6, 7, 7, 7));
+    const __m128i e1 = _mm_srli_si128(e, 1), e2 = _mm_srli_si128(e, 2);
+    const __m128i a2 = _mm_avg_epu8(e, e1);
+    const __m128i floor_ac =
+        _mm_sub_epi8(_mm_avg_epu8(e, e2), _mm_and_si128(_mm_xor_si128(e, e2), _mm_set1_epi8(1)));
+    const __m128i a3 = _mm_avg_epu8(floor_ac, e1);
+    const __m128i window = _mm_unpacklo_epi64(_mm_srli_si128(a2, m.a2), _mm_srli_si128(a3, m.a3));
+    const __m128i pick = _mm_setr_epi8(m.pick[0], m.pick[1], m.pick[2], m.pick[3], m.pick[4], m.pick[5],
+                                       m.pick[6], m.pick[7], m.pick[8], m.pick[9], m.pick[10], m.pick[11],
+                                       m.pick[12], m.pick[13], m.pick[14], m.pick[15]);
+    const __m128i out = _mm_shuffle_epi8(window, pick);
+    store32(p, out);
+    store32(row(p, step, 1), _mm_srli_si128(out, 4));
+    store32(row(p, step, 2), _mm_srli_si128(out, 8));
+    store32(row(p, step, 3), _mm_srli_si128(out, 12));
+    constexpr unsigned warn = m.uses & (kNbUpper | kNbLeft | kNbCorner);
+    return warn & ~avail ? kvtStsNeighbourSubstituted : kvtStsOk;
+}
+
+inline void fill_intra_directional(IntraPredDsp& d) {
+    d.pred4x4[3] = directional<3>;
+    d.pred4x4[4] = directional<4>;
+    d.pred4x4[5] = directional<5>;
+    d.pred4x4[6] = directional<6>;
+    d.pred4x4[7] = directional<7>;
+    d.pred4x4[8] = directional<8>;
+}
+
+#endif
+
+}  // namespace

@@ -1,0 +1,118 @@
+// Fronts of H.263 / MPEG-4 prediction and reconstruction: check what each function checks, then
+// run one kernel chosen by size, phase and rounding control.
+#include "common/arith.h"
+#include "common/kernel.h"
+#include "kvtvc.h"
+#include "mpeg4/recon_dsp.h"
+
+using namespace kvt;
+
+namespace {
+KVT_DSP_TABLE(ReconDsp, init_recon_dsp) dsp;
+
+// H.263 copies at a fixed phase with rounding 0; source and destination share the step.
+template <int n, int phase>
+KvtStatus h263_copy(const Kvt8u* src, Kvt8u* dst, int step, KvtStatus short_step) {
+    if (!src || !dst) return kvtStsNullPointer;
+    if (step < n) return short_step;
+    return (n == 16 ? dsp.predict16 : dsp.predict8)[recon_index(phase, 0)](src, step, dst, step);
+}
+
+// The slot of a half-sample vector at rounding control rc (nonzero counts as 1), and the
+// reference moved by the vector's whole samples (odd negative components round down).
+int slot_of(const KvtMotionVec& mv, int rc) { return recon_index((mv.dy & 1) * 2 + (mv.dx & 1), rc != 0); }
+const uint8_t* moved(const Kvt8u* ref, int step, const KvtMotionVec& mv) {
+    return ref + intptr_t(asr(mv.dy, 1)) * step + asr(mv.dx, 1);
+}
+}  // namespace
+
+KvtStatus kvtiCopyMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<16, 0>(pSrc, pDst, step, kvtStsStepBelowMB);
+}
+KvtStatus kvtiCopyBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<8, 0>(pSrc, pDst, step, kvtStsStepBelowBlock);
+}
+// The half-sample macroblock copies report a short step as -82, unlike kvtiCopyMB_H263_8u.
+KvtStatus kvtiCopyApproxHMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<16, 1>(pSrc, pDst, step, kvtStsStepBelowBlock);
+}
+KvtStatus kvtiCopyApproxHBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<8, 1>(pSrc, pDst, step, kvtStsStepBelowBlock);
+}
+KvtStatus kvtiCopyApproxVMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<16, 2>(pSrc, pDst, step, kvtStsStepBelowBlock);
+}
+KvtStatus kvtiCopyApproxVBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<8, 2>(pSrc, pDst, step, kvtStsStepBelowBlock);
+}
+KvtStatus kvtiCopyApproxHVMB_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<16, 3>(pSrc, pDst, step, kvtStsStepBelowBlock);
+}
+KvtStatus kvtiCopyApproxHVBlock_H263_8u(const Kvt8u* pSrc, Kvt8u* pDst, int step) {
+    return h263_copy<8, 3>(pSrc, pDst, step, kvtStsStepBelowBlock);
+}
+
+KvtStatus kvtiReconBlock_H263(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step) {
+    if (!pSrcPred || !pSrcResid || !pDst) return kvtStsNullPointer;
+    if (step < 8) return kvtStsStepBelowBlock;
+    return dsp.recon8[0](pSrcPred, step, pSrcResid, pDst, step);
+}
+KvtStatus kvtiReconBlock_H263_I(Kvt8u* pSrcDst, const Kvt16s* pSrcResid, int step) {
+    if (!pSrcDst || !pSrcResid) return kvtStsNullPointer;
+    if (step < 8) return kvtStsStepBelowBlock;
+    return dsp.recon8[0](pSrcDst, step, pSrcResid, pSrcDst, step);
+}
+KvtStatus kvtiReconMB_H263(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step) {
+    if (!pSrcPred || !pSrcResid || !pDst) return kvtStsNullPointer;
+    if (step < 16) return kvtStsStepBelowMB;
+    return dsp.recon16(pSrcPred, step, pSrcResid, pDst, step);
+}
+KvtStatus kvtiReconMB_H263_I(Kvt8u* pSrcDst, const Kvt16s* pSrcResid, int step) {
+    if (!pSrcDst || !pSrcResid) return kvtStsNullPointer;
+    if (step < 16) return kvtStsStepBelowMB;
+    return dsp.recon16(pSrcDst, step, pSrcResid, pSrcDst, step);
+}
+KvtStatus kvtiReconBlock_8x8(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt8u* pDst, int step) {
+    if (!pSrcPred || !pSrcResid || !pDst) return kvtStsNullPointer;
+    if (step < 8) return kvtStsStepBelow8;
+    return dsp.recon8[0](pSrcPred, step, pSrcResid, pDst, step);
+}
+
+// The MPEG-4 forms check only the reference and the destination (not the vector or the residual)
+// and no step.
+KvtStatus kvtiCopyBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                        const KvtMotionVec* pMV, int roundControl) {
+    if (!pSrcRef || !pDst) return kvtStsNullPointer;
+    return dsp.predict8[slot_of(*pMV, roundControl)](moved(pSrcRef, srcStep, *pMV), srcStep, pDst, dstStep);
+}
+KvtStatus kvtiCopyMBHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
+                                     const KvtMotionVec* pMV, int roundControl) {
+    if (!pSrcRef || !pDst) return kvtStsNullPointer;
+    return dsp.predict16[slot_of(*pMV, roundControl)](moved(pSrcRef, srcStep, *pMV), srcStep, pDst, dstStep);
+}
+KvtStatus kvtiReconBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcResid,
+                                         Kvt8u* pDst, int dstStep, const KvtMotionVec* pMV,
+                                         int roundControl) {
+    if (!pSrcRef || !pDst) return kvtStsNullPointer;
+    return dsp.recon8[slot_of(*pMV, roundControl)](moved(pSrcRef, srcStep, *pMV), srcStep, pSrcResid, pDst,
+                                                   dstStep);
+}
+
+KvtStatus kvtiAverageBlock_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,
+                                    Kvt8u* pDst, int dstStep) {
+    if (!pSrc1 || !pSrc2 || !pDst) return kvtStsNullPointer;
+    return dsp.average8(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep);
+}
+KvtStatus kvtiAverageMB_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,
+                                 Kvt8u* pDst, int dstStep) {
+    if (!pSrc1 || !pSrc2 || !pDst) return kvtStsNullPointer;
+    return dsp.average16(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep);
+}
+KvtStatus kvtiAverageBlock_MPEG4_8u_I(const Kvt8u* pSrc, int srcStep, Kvt8u* pSrcDst, int srcDstStep) {
+    if (!pSrc || !pSrcDst) return kvtStsNullPointer;
+    return dsp.average8(pSrc, srcStep, pSrcDst, srcDstStep, pSrcDst, srcDstStep);
+}
+KvtStatus kvtiAverageMB_MPEG4_8u_I(const Kvt8u* pSrc, int srcStep, Kvt8u* pSrcDst, int srcDstStep) {
+    if (!pSrc || !pSrcDst) return kvtStsNullPointer;
+    return dsp.average16(pSrc, srcStep, pSrcDst, srcDstStep, pSrcDst, srcDstStep);
+}
