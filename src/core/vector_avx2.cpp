@@ -25,11 +25,13 @@ inline void store32(uint8_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cas
 inline __m128i load16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 inline void store16(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
-// n bytes of the pattern's low bytes at p (n = 4 or 8); memcpy keeps unaligned access defined.
+// The low 8 or 4 bytes of v at p (MOVQ / MOVD; unaligned).
 template <size_t n>
 inline void store_low(uint8_t* p, __m128i v) {
-    const uint64_t bits = uint64_t(_mm_cvtsi128_si64(v));
-    std::memcpy(p, &bits, n);
+    if constexpr (n == 8)
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v);
+    else
+        _mm_storeu_si32(p, v);
 }
 
 // 1 to 64 bytes with overlapping stores of 16 bytes (two 32-byte stores are slower here, Zen 4),
