@@ -818,6 +818,73 @@ KVTAPI KvtStatus kvtiTransformQuantResidual_H264_16s_C1I(Kvt16s* pSrcDst, int QP
 
 /* ---- H.264 interpolation, weighted averaging, CAVLC syntax elements and the deblocking filter. ---- */
 
+/* Inter prediction of 8-bit pictures (H.264 8.4.2.2). The reference is read as it stands (the caller pads
+ * it): luma reads 2 samples before and 3 after the block in each direction, chroma 1 after. */
+/* Luma quarter-sample position (dx, dy in 0..3) of a 4, 8 or 16 square or 2:1 block (not 4x16, 16x4);
+ * -14 when a step is below the width, -5 for dx or dy outside 0..3, -6 for other sizes. */
+KVTAPI KvtStatus kvtiInterpolateLuma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt8u* pDst,
+                                                 Kvt32s dstStep, Kvt32s dx, Kvt32s dy, KvtRegionSize roiSize);
+/* Chroma eighth-sample position (dx, dy in 0..7), bilinear; width and height 2, 4 or 8 (not 2x8, 8x2);
+ * -14 when a step is below 8, -5 for dx or dy outside 0..7, -6 for other sizes. */
+KVTAPI KvtStatus kvtiInterpolateChroma_H264_8u_C1R(const Kvt8u* pSrc, Kvt32s srcStep, Kvt8u* pDst,
+                                                   Kvt32s dstStep, Kvt32s dx, Kvt32s dy,
+                                                   KvtRegionSize roiSize);
+/* pSrc2Dst = clamp(((pSrc1 * weight1 + pSrc2Dst * weight2 + 2^(shift-1)) >> shift) + offset), one step for
+ * both blocks; width and height 2, 4, 8 or 16 (-6), step below the width: -14. The rounding term is
+ * 1 << ((shift - 1) & 31) and the clamp covers -256..511 (keep the sum in that range). */
+KVTAPI KvtStatus kvtiWeightedAverage_H264_8u_C1IR(const Kvt8u* pSrc1, Kvt8u* pSrc2Dst, Kvt32s srcDstStep,
+                                                  Kvt32s weight1, Kvt32s weight2, Kvt32u shift, Kvt32s offset,
+                                                  KvtRegionSize roiSize);
+
+/* CAVLC syntax elements of one 4x4 block (H.264 9.2), walked from scan position lastIdx down to firstIdx
+ * (0 for a whole block, 1 when the DC is coded elsewhere); pScan[k] is the raster index at scan position
+ * k. Outputs: trailing ones (0..3) and their signs (1 = -1, the highest-frequency one in the top used
+ * bit), the count of nonzero coefficients, total zeros (zeros below the highest-frequency nonzero
+ * coefficient down to firstIdx; lastIdx - firstIdx + 1 for an empty block), the other levels highest
+ * frequency first, and the zero runs between successive nonzero coefficients (the run below the last
+ * one is not stored). Only the entries in use are written (pLevels, pRuns: room for 16). -11 when
+ * lastIdx is above 15 or below firstIdx. */
+KVTAPI KvtStatus kvtiEncodeCoeffsCAVLC_H264_16s(const Kvt16s* pSrc, Kvt8u firstIdx, const Kvt32u* pScan,
+                                                Kvt8u lastIdx, Kvt8u* pTrailingOnes, Kvt8u* pTrailingOneSigns,
+                                                Kvt8u* pNumCoeffs, Kvt8u* pTotalZeros, Kvt16s* pLevels,
+                                                Kvt8u* pRuns);
+/* As kvtiEncodeCoeffsCAVLC_H264_16s for the 4 chroma DC values of 4:2:0 (raster order is scan order). */
+KVTAPI KvtStatus kvtiEncodeChromaDcCoeffsCAVLC_H264_16s(const Kvt16s* pSrc, Kvt8u* pTrailingOnes,
+                                                        Kvt8u* pTrailingOneSigns, Kvt8u* pNumCoeffs,
+                                                        Kvt8u* pTotalZeros, Kvt16s* pLevels, Kvt8u* pRuns);
+
+/* Deblocking filter (H.264 8.7, 4:2:0, 8 bits), in place, for the four vertical (VerEdge, left to right) or
+ * horizontal (HorEdge, top to bottom) edges of one macroblock; pSrcDst is its top-left sample. Edge 0 is
+ * the macroblock's left or top edge (the samples before it belong to the neighbour and are filtered too),
+ * edges 1..3 lie 4, 8 and 12 luma samples in.
+ *  - pAlpha[2], pBeta[2]: alpha and beta (H.264 Table 8-16 at indexA, indexB) of edge 0, then of the
+ *    internal edges.
+ *  - pBS[16]: boundary strength of every 4-sample segment, pBS[4 * edge + segment], segments in the order
+ *    of the edge (top to bottom, left to right). 0 skips the segment, 1..3 take the normal filter, 4 the
+ *    strong one. Chroma uses the strengths of luma edges 0 and 2 (its edges 0 and 4), each 4-sample luma
+ *    segment covering 2 chroma samples; pBS[4..7] and pBS[12..15] are not read.
+ *  - pThresholds: tc0 (H.264 Table 8-17 for the segment's bS and indexA) of every segment, luma 16
+ *    entries pThresholds[4 * edge + segment]; chroma 8 entries, chroma edge 0 then chroma edge 4 (tc is
+ *    tc0 + 1 there). Entries of segments with bS 0 or 4 are not read.
+ * Luma reads 4 samples before edge 0 and changes 3, chroma reads 2 and changes 1 (the vertical-edge forms
+ * store the others back unchanged); the step is not checked.
+ * A null pointer returns -8; nothing else is checked. */
+KVTAPI KvtStatus kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                               const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                               const Kvt8u* pThresholds, const Kvt8u* pBS);
+/* As kvtiFilterDeblockingLuma_VerEdge_H264_8u_C1IR for the horizontal edges. */
+KVTAPI KvtStatus kvtiFilterDeblockingLuma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                               const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                               const Kvt8u* pThresholds, const Kvt8u* pBS);
+/* Vertical edges 0 and 4 of one 8x8 chroma block (one plane per call). */
+KVTAPI KvtStatus kvtiFilterDeblockingChroma_VerEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                                 const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                                 const Kvt8u* pThresholds, const Kvt8u* pBS);
+/* Horizontal edges 0 and 4 of one 8x8 chroma block. */
+KVTAPI KvtStatus kvtiFilterDeblockingChroma_HorEdge_H264_8u_C1IR(Kvt8u* pSrcDst, Kvt32s srcDstStep,
+                                                                 const Kvt8u* pAlpha, const Kvt8u* pBeta,
+                                                                 const Kvt8u* pThresholds, const Kvt8u* pBS);
+
 /* (end of section) */
 
 #ifdef __cplusplus
