@@ -6,6 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,6 +22,11 @@ using Body = std::function<void(benchmark::State&)>;
 // Registers column `column` of row (function, args): a baseline such as memset, or "front" for
 // the exported function itself. Rows print in registration order.
 void add_column(const std::string& function, const std::string& args, const std::string& column, Body body);
+// Registers the "checkasm" column of a row: `ticks_per_call` returns one figure measured as
+// checkasm_ticks does, once per repetition; the table shows the least of them in ns, as the
+// peer's figure is the least of several runs.
+void add_checkasm_column(const std::string& function, const std::string& args,
+                         std::function<double()> ticks_per_call);
 // Names the tier the library uses for a row (marked in the table).
 void set_used(const std::string& function, const std::string& args, const std::string& tier);
 
@@ -51,6 +58,50 @@ void add_kernel(const std::string& function, const std::string& args, void (*ini
         add_column(function, args, tier.name, [d, body](benchmark::State& st) { body(*d, st); });
         if (k == slot(best)) set_used(function, args, tier.name);
     }
+}
+
+// ---- Timing as FFmpeg's checkasm does ------------------------------------------------------
+// The peer's figure for a kernel (../shared/peer/README.md) is the mean, over 1024 samples, of
+// four back-to-back calls between two `lfence; rdtsc` stamps, the first sample and every sample
+// above four times the running mean dropped, less the cost of the two stamps alone, divided by
+// four. For kernels of a few nanoseconds that differs from Google Benchmark's loop (the four
+// calls overlap, the stamps' cost is taken out), so rows that are compared with the peer also
+// get a "checkasm" column timed the same way.
+
+// The time-stamp counter (lfence; rdtsc), or steady-clock nanoseconds where there is none.
+inline uint64_t stamp() {
+#if defined(__x86_64__) || defined(__i386__)
+    uint32_t lo, hi;
+    asm volatile("lfence\n\trdtsc" : "=a"(lo), "=d"(hi)::"memory");
+    return uint64_t(hi) << 32 | lo;
+#else
+    return uint64_t(std::chrono::duration_cast<std::chrono::nanoseconds>(
+                        std::chrono::steady_clock::now().time_since_epoch())
+                        .count());
+#endif
+}
+// Ticks of stamp() per nanosecond (measured once).
+double ticks_per_ns();
+// The mean cost of two back-to-back stamps: the mean of the middle half of 10000 pairs.
+double stamp_overhead();
+
+// Ticks per call of call(), the checkasm way. As there, the arguments should be values the
+// compiler keeps in registers (not loaded through a pointer after each call).
+template <class Call>
+double checkasm_ticks(Call&& call) {
+    constexpr int kSamples = 1024;
+    uint64_t sum = 0, kept = 0;
+    for (int i = 0; i < kSamples; ++i) {
+        const uint64_t t0 = stamp();
+        call();
+        call();
+        call();
+        call();
+        const uint64_t t = stamp() - t0;
+        if (i > 0 && t * kept <= sum * 4) sum += t, ++kept;
+    }
+    const double ticks = kept ? double(sum) / double(kept) - stamp_overhead() : 0.0;
+    return ticks > 0 ? ticks / 4 : 0.0;
 }
 
 }  // namespace kvt::bench

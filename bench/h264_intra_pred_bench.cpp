@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "bench.h"
+#include "common/cpu.h"
 #include "h264/intra_pred_dsp.h"
+#include "h264_ticks.h"
 #include "kvtvc.h"
 
 using namespace kvt;
@@ -35,10 +37,36 @@ void pred_row(const std::string& fn, const std::string& args, Slot slot) {
             Plane p;
             const IntraPredFn k = slot(d);
             for (auto _ : st) {
-                benchmark::DoNotOptimize(k(p.block(), kStep, kAll));
+                benchmark::DoNotOptimize(k(p.block(), kStep));
                 benchmark::ClobberMemory();
             }
         });
+}
+
+using Front = KvtStatus (*)(Kvt8u*, int, int, Kvt32u);
+
+// The kernel in use and the exported function, timed the checkasm way (h264_ticks.h).
+template <class Slot>
+void ticks_rows(const std::string& fn, const std::string& args, int mode, Front front, Slot slot) {
+    const std::string name = fn + "/" + args;
+    h264ticks::add_ticks_row(name + "/kernel", [slot] {
+        Plane p;
+        IntraPredDsp d{};
+        init_intra_pred_dsp(d, cpu_flags());
+        IntraPredFn k = slot(d);
+        uint8_t* b = p.block();
+        benchmark::DoNotOptimize(k);
+        return h264ticks::checkasm_ticks(
+            [&](unsigned) { k(b, kStep), k(b, kStep), k(b, kStep), k(b, kStep); });
+    });
+    h264ticks::add_ticks_row(name + "/front", [front, mode] {
+        Plane p;
+        uint8_t* b = p.block();
+        return h264ticks::checkasm_ticks([&](unsigned) {
+            front(b, kStep, mode, kAll), front(b, kStep, mode, kAll), front(b, kStep, mode, kAll),
+                front(b, kStep, mode, kAll);
+        });
+    });
 }
 
 KVT_BENCH_ROWS {
@@ -47,15 +75,23 @@ KVT_BENCH_ROWS {
                                  "horizontal-down", "vertical-left", "horizontal-up"};
     const char* const k16[4] = {"vertical", "horizontal", "DC", "plane"};
     const char* const kChroma[4] = {"DC", "horizontal", "vertical", "plane"};
-    for (int m = 0; m < 9; ++m)
-        pred_row("kvtiPredictIntra_4x4_H264_8u_C1IR", k4x4[m],
-                 [m](const IntraPredDsp& d) { return d.pred4x4[m]; });
-    for (int m = 0; m < 4; ++m)
-        pred_row("kvtiPredictIntra_16x16_H264_8u_C1IR", k16[m],
-                 [m](const IntraPredDsp& d) { return d.pred16x16[m]; });
-    for (int m = 0; m < 4; ++m)
-        pred_row("kvtiPredictIntraChroma8x8_H264_8u_C1IR", kChroma[m],
-                 [m](const IntraPredDsp& d) { return d.chroma8x8[m]; });
+    for (int m = 0; m < 9; ++m) {
+        const auto slot = [m](const IntraPredDsp& d) { return d.pred4x4[m][kAll & kNb4x4]; };
+        pred_row("kvtiPredictIntra_4x4_H264_8u_C1IR", k4x4[m], slot);
+        ticks_rows("kvtiPredictIntra_4x4_H264_8u_C1IR", k4x4[m], m, kvtiPredictIntra_4x4_H264_8u_C1IR, slot);
+    }
+    for (int m = 0; m < 4; ++m) {
+        const auto slot = [m](const IntraPredDsp& d) { return d.pred16x16[m][kAll & kNbBlock]; };
+        pred_row("kvtiPredictIntra_16x16_H264_8u_C1IR", k16[m], slot);
+        ticks_rows("kvtiPredictIntra_16x16_H264_8u_C1IR", k16[m], m, kvtiPredictIntra_16x16_H264_8u_C1IR,
+                   slot);
+    }
+    for (int m = 0; m < 4; ++m) {
+        const auto slot = [m](const IntraPredDsp& d) { return d.chroma8x8[m][kAll & kNbBlock]; };
+        pred_row("kvtiPredictIntraChroma8x8_H264_8u_C1IR", kChroma[m], slot);
+        ticks_rows("kvtiPredictIntraChroma8x8_H264_8u_C1IR", kChroma[m], m,
+                   kvtiPredictIntraChroma8x8_H264_8u_C1IR, slot);
+    }
     return 0;
 }
 

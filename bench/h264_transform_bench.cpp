@@ -4,9 +4,11 @@
 #include <string>
 
 #include "bench.h"
+#include "common/cpu.h"
 #include "h264/quant_dsp.h"
 #include "h264/tables.h"
 #include "h264/transform_dsp.h"
+#include "h264_ticks.h"
 #include "kvtvc.h"
 
 using namespace kvt;
@@ -62,15 +64,44 @@ void forward(const std::string& fn, const std::string& args, Slot slot, Call cal
     row<QuantDsp>(fn, args, init_quant_dsp, ref::init_quant, slot, call);
 }
 
+// The residual with add, kernel in use and exported function, timed the checkasm way
+// (h264_ticks.h): the prediction in place in the destination, as FFmpeg's h264_idct4_add
+// works; four calls a sample on four of the eight sets (each call writes its block).
+void ticks_rows(const std::string& args, bool ac) {
+    const std::string name = "kvtiDequantTransformResidualAndAdd_H264_16s_C1I/" + args;
+    h264ticks::add_ticks_row(name + "/kernel", [ac] {
+        Sets s;
+        TransformDsp d{};
+        init_transform_dsp(d, cpu_flags());
+        ResidualAddFn k = ac ? d.residual_add : d.residual_dc_add;
+        benchmark::DoNotOptimize(k);
+        return h264ticks::checkasm_ticks([&](unsigned i) {
+            Data* b = s.set + (i & 1) * 4;
+            for (int j = 0; j < 4; ++j) k(b[j].dst, b[j].c, kFactors, b[j].dst, 16, 16);
+        });
+    });
+    h264ticks::add_ticks_row(name + "/front", [ac] {
+        Sets s;
+        return h264ticks::checkasm_ticks([&](unsigned i) {
+            Data* b = s.set + (i & 1) * 4;
+            for (int j = 0; j < 4; ++j)
+                kvtiDequantTransformResidualAndAdd_H264_16s_C1I(b[j].dst, b[j].c, nullptr, b[j].dst, 16, 16,
+                                                                kQP, ac);
+        });
+    });
+}
+
 KVT_BENCH_ROWS {
+    ticks_rows("AC", true);
+    ticks_rows("DC-only", false);
     inverse(
         "kvtiDequantTransformResidualAndAdd_H264_16s_C1I", "AC",
         [](const TransformDsp& d) { return d.residual_add; },
-        [](auto k, Data& b) { return k(b.c, nullptr, kFactors, b.pred, 16, b.dst, 16); });
+        [](auto k, Data& b) { return k(b.pred, b.c, kFactors, b.dst, 16, 16); });
     inverse(
         "kvtiDequantTransformResidualAndAdd_H264_16s_C1I", "DC only",
         [](const TransformDsp& d) { return d.residual_dc_add; },
-        [](auto k, Data& b) { return k(b.c, nullptr, kFactors, b.pred, 16, b.dst, 16); });
+        [](auto k, Data& b) { return k(b.pred, b.c, kFactors, b.dst, 16, 16); });
     inverse(
         "kvtiDequantTransformResidual_H264_16s_C1I", "AC", [](const TransformDsp& d) { return d.residual; },
         [](auto k, Data& b) { return k(b.c, 8, nullptr, kFactors); });

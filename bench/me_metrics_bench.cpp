@@ -1,5 +1,6 @@
 // Block metrics of motion estimation: the oracle and every tier of the SAD and metric tables.
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -49,9 +50,23 @@ Body timed(Op op) {
 
 const char* const kPhase[4] = {"ff", "fh", "hf", "hh"};
 
+// The table the library uses on this processor.
+template <class Dsp>
+std::shared_ptr<const Dsp> in_use(void (*init)(Dsp&, unsigned)) {
+    auto d = std::make_shared<Dsp>();
+    init(*d, cpu_flags());
+    return d;
+}
+
 // Times one SAD slot on the frame's blocks; `cur_offset` 1 makes the current block unaligned.
 template <class Slot>
 void sad_row(const std::string& fn, const std::string& args, Slot slot, int cur_offset = 0) {
+    add_checkasm_column(fn, args, [k = slot(*in_use(init_sad_dsp)), cur_offset] {
+        const uint8_t *const c = frame().cur() + cur_offset, *const r = frame().ref();
+        const auto kernel = k;
+        int32_t s;
+        return checkasm_ticks([&] { kernel(c, kStep, r, kStep, &s); });
+    });
     add_kernel<SadDsp>(
         fn, args, init_sad_dsp, ref::init_sad, [slot](const SadDsp& d) { return (const void*)slot(d); },
         [slot, cur_offset](const SadDsp& d, benchmark::State& st) {
@@ -117,6 +132,12 @@ void me_row(const std::string& fn, const std::string& args, Slot slot, Call call
 void phase_rows() {
     for (int ph = 0; ph < 4; ++ph) {
         const std::string p = std::string("phase ") + kPhase[ph];
+        add_checkasm_column("kvtiSqrDiff16x16_8u32s", p, [k = in_use(init_me_dsp)->sqrdiff16[ph]] {
+            const uint8_t *const c = frame().cur(), *const r = frame().ref();
+            const auto kernel = k;
+            int32_t s;
+            return checkasm_ticks([&] { kernel(c, kStep, r, kStep, &s); });
+        });
         me_row(
             "kvtiSqrDiff16x16_8u32s", p, [ph](const MeDsp& d) { return d.sqrdiff16[ph]; },
             [](auto k, const Frame& f) {

@@ -33,7 +33,7 @@ void init_vector(VectorDsp& d);
 }
 namespace sse2 {
 void init_vector(VectorDsp& d);
-// The AVX2 tier widens only the mid-sized fills and copies and hands every other size here.
+// The AVX2 tier hands the streaming sizes (and rows wider than 512 bytes) to these.
 KvtStatus set_8u(uint8_t val, uint8_t* dst, int len);
 KvtStatus set_16s(int16_t val, int16_t* dst, int len);
 KvtStatus zero_16s(int16_t* dst, int len);

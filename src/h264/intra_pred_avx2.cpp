@@ -5,8 +5,8 @@
 namespace kvt::avx2 {
 
 void init_intra_pred(IntraPredDsp& d) {
-    d.pred16x16[1] = horizontal<16>;
-    d.chroma8x8[1] = horizontal<8>;
+    fill_avail<kNeeds16x16[1]>(d.pred16x16[1], same(horizontal<16>));
+    fill_avail<kNeedsChroma[1]>(d.chroma8x8[1], same(horizontal<8>));
 }
 
 }  // namespace kvt::avx2

@@ -1,5 +1,8 @@
 // Portable H.264 intra prediction kernels, written from the equations of H.264 8.3.1.2,
 // 8.3.3 and 8.3.4.
+#include <algorithm>
+#include <iterator>
+
 #include "common/arith.h"
 #include "common/kernel.h"
 #include "h264/intra_pred_dsp.h"
@@ -87,10 +90,11 @@ int sample4x4(const Edge4& e, int x, int y) {
     }
 }
 
-template <int mode>
-KvtStatus pred4x4(uint8_t* p, int step, unsigned avail) {
+// Mode `mode` with the neighbours `avail` (only the bits the mode reads).
+template <int mode, unsigned avail>
+KvtStatus pred4x4(uint8_t* p, int step) {
     constexpr unsigned uses = kUses4x4[mode];
-    const Edge4 e = gather(p, step, avail & uses);
+    const Edge4 e = gather(p, step, avail);
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x) row(p, step, y)[x] = uint8_t(sample4x4<mode>(e, x, y));
     const bool substituted = mode != 2 && (uses & kUpperLeftCorner & ~avail);
@@ -100,14 +104,14 @@ KvtStatus pred4x4(uint8_t* p, int step, unsigned avail) {
 // ---- 16x16 luma and 8x8 chroma -----------------------------------------------------------
 
 template <int N>
-KvtStatus vertical(uint8_t* p, int step, unsigned) {
+KvtStatus vertical(uint8_t* p, int step) {
     for (int y = 0; y < N; ++y)
         for (int x = 0; x < N; ++x) row(p, step, y)[x] = p[x - step];
     return kvtStsOk;
 }
 
 template <int N>
-KvtStatus horizontal(uint8_t* p, int step, unsigned) {
+KvtStatus horizontal(uint8_t* p, int step) {
     for (int y = 0; y < N; ++y)
         for (int x = 0; x < N; ++x) row(p, step, y)[x] = row(p, step, y)[-1];
     return kvtStsOk;
@@ -130,7 +134,8 @@ void fill(uint8_t* p, int step, int n, int value) {
         for (int x = 0; x < n; ++x) row(p, step, y)[x] = uint8_t(value);
 }
 
-KvtStatus dc16x16(uint8_t* p, int step, unsigned avail) {
+template <unsigned avail>
+KvtStatus dc16x16(uint8_t* p, int step) {
     const bool up = avail & kNbUpper, left = avail & kNbLeft;
     const int su = up ? sum_upper(p, step, 0, 16) : 0, sl = left ? sum_left(p, step, 0, 16) : 0;
     fill(p, step, 16, up && left ? (su + sl + 16) >> 5 : up ? (su + 8) >> 4 : left ? (sl + 8) >> 4 : 128);
@@ -139,7 +144,8 @@ KvtStatus dc16x16(uint8_t* p, int step, unsigned avail) {
 
 // Chroma DC (H.264 8.3.4.1-3): each 4x4 quarter from its own upper and left sums; the
 // top-right quarter prefers the upper row, the bottom-left one the left column.
-KvtStatus dc_chroma(uint8_t* p, int step, unsigned avail) {
+template <unsigned avail>
+KvtStatus dc_chroma(uint8_t* p, int step) {
     const bool up = avail & kNbUpper, left = avail & kNbLeft;
     const auto mean4 = [](int s) { return (s + 2) >> 2; };
     int q[4] = {128, 128, 128, 128};  // top-left, top-right, bottom-left, bottom-right
@@ -160,7 +166,7 @@ KvtStatus dc_chroma(uint8_t* p, int step, unsigned avail) {
 
 // Plane prediction of an N x N block (H.264 8.3.3.4, 8.3.4.4 for 4:2:0); U[-1] = L[-1] = M.
 template <int N>
-KvtStatus plane(uint8_t* p, int step, unsigned) {
+KvtStatus plane(uint8_t* p, int step) {
     constexpr int h = N / 2;
     const auto U = [&](int i) { return int(p[i - step]); };
     const auto L = [&](int i) { return int(row(p, step, i)[-1]); };
@@ -178,18 +184,31 @@ KvtStatus plane(uint8_t* p, int step, unsigned) {
     return kvtStsOk;
 }
 
+// A 16x16 or chroma mode without a neighbour it needs.
+KvtStatus missing(uint8_t*, int) { return kvtStsNeighbourMissing; }
+
+template <int... M>
+void fill_4x4(IntraPredDsp& d, std::integer_sequence<int, M...>) {
+    (fill_avail<0>(d.pred4x4[M], [](auto a) { return pred4x4<M, decltype(a)::value & kUses4x4[M]>; }), ...);
+}
+
 }  // namespace
 
 void init_intra_pred(IntraPredDsp& d) {
-    fill_slots(d.pred4x4, [](auto mode) { return pred4x4<decltype(mode)::value>; });
-    d.pred16x16[0] = vertical<16>;
-    d.pred16x16[1] = horizontal<16>;
-    d.pred16x16[2] = dc16x16;
-    d.pred16x16[3] = plane<16>;
-    d.chroma8x8[0] = dc_chroma;
-    d.chroma8x8[1] = horizontal<8>;
-    d.chroma8x8[2] = vertical<8>;
-    d.chroma8x8[3] = plane<8>;
+    fill_4x4(d, std::make_integer_sequence<int, 9>());
+    for (auto* mode : {d.pred16x16, d.chroma8x8})
+        for (int m = 0; m < 4; ++m) std::fill(std::begin(mode[m]), std::end(mode[m]), missing);
+    const auto same = [](IntraPredFn k) { return [k](auto) { return k; }; };
+    fill_avail<kNeeds16x16[0]>(d.pred16x16[0], same(vertical<16>));
+    fill_avail<kNeeds16x16[1]>(d.pred16x16[1], same(horizontal<16>));
+    fill_avail<kNeeds16x16[2]>(d.pred16x16[2],
+                               [](auto a) { return dc16x16<decltype(a)::value&(kNbUpper | kNbLeft)>; });
+    fill_avail<kNeeds16x16[3]>(d.pred16x16[3], same(plane<16>));
+    fill_avail<kNeedsChroma[0]>(d.chroma8x8[0],
+                                [](auto a) { return dc_chroma<decltype(a)::value&(kNbUpper | kNbLeft)>; });
+    fill_avail<kNeedsChroma[1]>(d.chroma8x8[1], same(horizontal<8>));
+    fill_avail<kNeedsChroma[2]>(d.chroma8x8[2], same(vertical<8>));
+    fill_avail<kNeedsChroma[3]>(d.chroma8x8[3], same(plane<8>));
 }
 
 }  // namespace kvt::KVT_C_NS

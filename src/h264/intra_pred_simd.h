@@ -27,6 +27,7 @@ namespace {
 using namespace kvt;
 
 inline uint8_t* row(uint8_t* p, int step, int y) { return p + intptr_t(y) * step; }
+inline const uint8_t* row(const uint8_t* p, int step, int y) { return p + intptr_t(y) * step; }
 inline uint32_t load32(const uint8_t* p) {
     uint32_t v;
     std::memcpy(&v, p, 4);
@@ -71,28 +72,41 @@ void fill(uint8_t* p, int step, __m128i v, int rows = N) {
     for (int y = 0; y < rows; ++y) store_row<N>(row(p, step, y), v);
 }
 
-// ---- 4x4 luma: vertical, horizontal, DC ---------------------------------------------------
+// ---- 4x4 luma: vertical, horizontal, DC (one kernel per availability) ------------------
 
-inline KvtStatus vertical4(uint8_t* p, int step, unsigned avail) {
-    const bool up = avail & kNbUpper;
+template <unsigned avail>
+KvtStatus vertical4(uint8_t* p, int step) {
+    constexpr bool up = avail & kNbUpper;
     fill4(p, step, up ? load32(p - step) : 0x80808080u);
     return up ? kvtStsOk : kvtStsNeighbourSubstituted;
 }
 
-inline KvtStatus horizontal4(uint8_t* p, int step, unsigned avail) {
-    if (!(avail & kNbLeft)) {
+template <unsigned avail>
+KvtStatus horizontal4(uint8_t* p, int step) {
+    if constexpr (!(avail & kNbLeft)) {
         fill4(p, step, 0x80808080u);
         return kvtStsNeighbourSubstituted;
+    } else {
+        for (int y = 0; y < 4; ++y) store32(row(p, step, y), 0x01010101u * row(p, step, y)[-1]);
+        return kvtStsOk;
     }
-    for (int y = 0; y < 4; ++y) store32(row(p, step, y), 0x01010101u * row(p, step, y)[-1]);
-    return kvtStsOk;
 }
 
-inline KvtStatus dc4(uint8_t* p, int step, unsigned avail) {
-    const bool up = avail & kNbUpper, left = avail & kNbLeft;
-    const uint8_t* a = p - step;
-    const int s = (up ? (a[0] + a[1]) + (a[2] + a[3]) : 0) + (left ? sum_left(p, step, 0, 4) : 0);
-    const int dc = up && left ? (s + 4) >> 3 : up || left ? (s + 2) >> 2 : 128;
+// The upper four samples' sum by PSADBW.
+inline int sum_upper4(const uint8_t* p, int step) {
+    return _mm_cvtsi128_si32(_mm_sad_epu8(_mm_cvtsi32_si128(int(load32(p - step))), _mm_setzero_si128()));
+}
+
+template <unsigned avail>
+KvtStatus dc4(uint8_t* p, int step) {
+    constexpr bool up = avail & kNbUpper, left = avail & kNbLeft;
+    int dc = 128;
+    if constexpr (up && left)
+        dc = (sum_upper4(p, step) + sum_left(p, step, 0, 4) + 4) >> 3;
+    else if constexpr (up)
+        dc = (sum_upper4(p, step) + 2) >> 2;
+    else if constexpr (left)
+        dc = (sum_left(p, step, 0, 4) + 2) >> 2;
     fill4(p, step, 0x01010101u * uint32_t(dc));
     return kvtStsOk;
 }
@@ -100,7 +114,7 @@ inline KvtStatus dc4(uint8_t* p, int step, unsigned avail) {
 // ---- 16x16 luma and 8x8 chroma -----------------------------------------------------------
 
 template <int N>
-KvtStatus vertical(uint8_t* p, int step, unsigned) {
+KvtStatus vertical(uint8_t* p, int step) {
     fill<N>(p, step, load_row<N>(p - step));
     return kvtStsOk;
 }
@@ -109,7 +123,7 @@ KvtStatus vertical(uint8_t* p, int step, unsigned) {
 // one 32-bit word of left samples, broadcast in vector registers (one transfer from a general
 // register per four rows).
 template <int N>
-KvtStatus horizontal(uint8_t* p, int step, unsigned) {
+KvtStatus horizontal(uint8_t* p, int step) {
 #if defined(__AVX2__)
     for (int y = 0; y < N; ++y) store_row<N>(row(p, step, y), _mm_set1_epi8(char(row(p, step, y)[-1])));
 #else
@@ -131,8 +145,9 @@ inline int sum_upper16(const uint8_t* p, int step) {
     return _mm_cvtsi128_si32(_mm_add_epi32(s, _mm_unpackhi_epi64(s, s)));
 }
 
-inline KvtStatus dc16x16(uint8_t* p, int step, unsigned avail) {
-    const bool up = avail & kNbUpper, left = avail & kNbLeft;
+template <unsigned avail>
+KvtStatus dc16x16(uint8_t* p, int step) {
+    constexpr bool up = avail & kNbUpper, left = avail & kNbLeft;
     const int s = (up ? sum_upper16(p, step) : 0) + (left ? sum_left(p, step, 0, 16) : 0);
     const int dc = up && left ? (s + 16) >> 5 : up || left ? (s + 8) >> 4 : 128;
     fill<16>(p, step, _mm_set1_epi8(char(dc)));
@@ -140,8 +155,9 @@ inline KvtStatus dc16x16(uint8_t* p, int step, unsigned avail) {
 }
 
 // Chroma DC: the four quarter values, rows 0..3 from the top pair, rows 4..7 from the bottom pair.
-inline KvtStatus dc_chroma(uint8_t* p, int step, unsigned avail) {
-    const bool up = avail & kNbUpper, left = avail & kNbLeft;
+template <unsigned avail>
+KvtStatus dc_chroma(uint8_t* p, int step) {
+    constexpr bool up = avail & kNbUpper, left = avail & kNbLeft;
     int su0 = 0, su1 = 0;
     if (up) {  // the two 4-sample sums of the upper row in the two halves of one PSADBW
         const __m128i u = _mm_unpacklo_epi32(load_row<8>(p - step), _mm_setzero_si128());
@@ -182,7 +198,7 @@ inline int gradient(const uint8_t* centre, intptr_t stride) {
 // 16-bit lanes (its values stay within +-20000), c added per row, >> 5 and packed with
 // saturation.
 template <int N>
-KvtStatus plane(uint8_t* p, int step, unsigned) {
+KvtStatus plane(uint8_t* p, int step) {
     constexpr int h = N / 2;
     const uint8_t* above = p - step;
     const int H = gradient<h>(above + h - 1, 1);
@@ -207,109 +223,173 @@ KvtStatus plane(uint8_t* p, int step, unsigned) {
     return kvtStsOk;
 }
 
+// Up and left: the bits the DC kernels depend on.
+template <class A>
+constexpr unsigned kUpLeft = A::value&(kNbUpper | kNbLeft);
+
+inline auto same(IntraPredFn k) {
+    return [k](auto) { return k; };
+}
+
 inline void fill_intra_basic(IntraPredDsp& d) {
-    d.pred4x4[0] = vertical4;
-    d.pred4x4[1] = horizontal4;
-    d.pred4x4[2] = dc4;
-    d.pred16x16[0] = vertical<16>;
-    d.pred16x16[1] = horizontal<16>;
-    d.pred16x16[2] = dc16x16;
-    d.pred16x16[3] = plane<16>;
-    d.chroma8x8[0] = dc_chroma;
-    d.chroma8x8[1] = horizontal<8>;
-    d.chroma8x8[2] = vertical<8>;
-    d.chroma8x8[3] = plane<8>;
+    fill_avail<0>(d.pred4x4[0], [](auto a) { return vertical4<decltype(a)::value & kNbUpper>; });
+    fill_avail<0>(d.pred4x4[1], [](auto a) { return horizontal4<decltype(a)::value & kNbLeft>; });
+    fill_avail<0>(d.pred4x4[2], [](auto a) { return dc4<kUpLeft<decltype(a)>>; });
+    fill_avail<kNeeds16x16[0]>(d.pred16x16[0], same(vertical<16>));
+    fill_avail<kNeeds16x16[1]>(d.pred16x16[1], same(horizontal<16>));
+    fill_avail<kNeeds16x16[2]>(d.pred16x16[2], [](auto a) { return dc16x16<kUpLeft<decltype(a)>>; });
+    fill_avail<kNeeds16x16[3]>(d.pred16x16[3], same(plane<16>));
+    fill_avail<kNeedsChroma[0]>(d.chroma8x8[0], [](auto a) { return dc_chroma<kUpLeft<decltype(a)>>; });
+    fill_avail<kNeedsChroma[1]>(d.chroma8x8[1], same(horizontal<8>));
+    fill_avail<kNeedsChroma[2]>(d.chroma8x8[2], same(vertical<8>));
+    fill_avail<kNeedsChroma[3]>(d.chroma8x8[3], same(plane<8>));
 }
 
 #if defined(__SSSE3__)
 
-inline void store32(uint8_t* p, __m128i v) {
-    const int w = _mm_cvtsi128_si32(v);
-    std::memcpy(p, &w, 4);
+inline __m128i bytes(const int8_t (&b)[16]) {
+    return _mm_setr_epi8(b[0], b[1], b[2], b[3], b[4], b[5], b[6], b[7], b[8], b[9], b[10], b[11], b[12],
+                         b[13], b[14], b[15]);
 }
 
-// The raw neighbours as U0..U7 L0 L1 L2 L3 M (bytes 0..12), only those the mode reads.
-template <unsigned uses>
-__m128i raw_edge(const uint8_t* p, int step, unsigned avail) {
-    const uint8_t* above = p - step;
-    constexpr unsigned whole_row = kNbUpper | kNbUpperRight;
-    __m128i upper = _mm_setzero_si128();
-    if ((uses & whole_row) == whole_row && (avail & whole_row) == whole_row) {
-        upper = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(above));
-    } else if (uses & kNbUpper) {
-        const uint32_t u = avail & kNbUpper ? load32(above) : 0x80808080u;
-        const uint32_t ur = !(uses & kNbUpperRight) ? 0
-                            : avail & kNbUpperRight ? load32(above + 4)
-                                                    : 0x01010101u * (u >> 24);
-        upper = _mm_unpacklo_epi32(_mm_cvtsi32_si128(int(u)), _mm_cvtsi32_si128(int(ur)));
-    }
-    int left = 0, m = 0;
-    if (uses & kNbLeft) {
-        left = int(0x80808080u);
-        if (avail & kNbLeft)
-            left = p[-1] | p[intptr_t(step) - 1] << 8 | p[2 * intptr_t(step) - 1] << 16 |
-                   p[3 * intptr_t(step) - 1] << 24;
-    }
-    if (uses & kNbCorner) m = avail & kNbCorner ? above[-1] : 128;
-    const __m128i lm = _mm_unpacklo_epi32(_mm_cvtsi32_si128(left), _mm_cvtsi32_si128(m));
-    return _mm_unpacklo_epi64(upper, lm);
-}
-
-// Mode 3..8: the neighbours it reads, the A2 and A3 windows, and for each sample (raster order)
-// its index in [A2 window | A3 window].
+// Mode 3..8: the neighbours it reads, the order of its edge vector e (indices into the raw
+// neighbours U0..U7 L0 L1 L2 L3 M, bytes 0..12), where its A2 and A3 windows start in e, and for
+// each sample (raster order) its index in [A2 window | A3 window].
 struct Directional {
     unsigned uses;
+    int8_t order[16];
     int a2, a3;
     int8_t pick[16];
 };
 // clang-format off
+constexpr int8_t kUpperEdge[16] = {0, 1, 2, 3, 4, 5, 6, 7, 7, 7, 7, 7, 7, 7, 7, 7};   // U0 .. U7 U7 U7
+constexpr int8_t kCornerEdge[16] = {11, 10, 9, 8, 12, 0, 1, 2, 3, 3, 3, 3, 3, 3, 3, 3};  // L3 .. L0 M U0 .. U3
+constexpr int8_t kLeftEdge[16] = {11, 11, 10, 9, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8, 8};    // L3 L3 L2 L1 L0
 constexpr Directional kModes[6] = {
-    // 3 diagonal down-left: A3[6 + x + y]
-    {kNbUpper | kNbUpperRight, 0, 6, {8, 9, 10, 11, 9, 10, 11, 12, 10, 11, 12, 13, 11, 12, 13, 14}},
-    // 4 diagonal down-right: A3[4 + x - y]
-    {kNbUpper | kNbLeft | kNbCorner, 0, 1, {11, 12, 13, 14, 10, 11, 12, 13, 9, 10, 11, 12, 8, 9, 10, 11}},
-    // 5 vertical-right: rows A2[5..8], A3[4..7], A3[3] A2[5..7], A3[2] A3[4..6]
-    {kNbUpper | kNbLeft | kNbCorner, 5, 2, {0, 1, 2, 3, 10, 11, 12, 13, 9, 0, 1, 2, 8, 10, 11, 12}},
+    // 3 diagonal down-left: A3[x + y]
+    {kNbUpper | kNbUpperRight, {}, 0, 0, {8, 9, 10, 11, 9, 10, 11, 12, 10, 11, 12, 13, 11, 12, 13, 14}},
+    // 4 diagonal down-right: A3[3 + x - y]
+    {kNbUpper | kNbLeft | kNbCorner, {}, 0, 0, {11, 12, 13, 14, 10, 11, 12, 13, 9, 10, 11, 12, 8, 9, 10, 11}},
+    // 5 vertical-right: rows A2[4..7], A3[3..6], A3[2] A2[4..6], A3[1] A3[3..5]
+    {kNbUpper | kNbLeft | kNbCorner, {}, 4, 1, {0, 1, 2, 3, 10, 11, 12, 13, 9, 0, 1, 2, 8, 10, 11, 12}},
     // 6 horizontal-down
-    {kNbUpper | kNbLeft | kNbCorner, 1, 1, {3, 11, 12, 13, 2, 10, 3, 11, 1, 9, 2, 10, 0, 8, 1, 9}},
-    // 7 vertical-left: even rows A2[6 + x + y / 2], odd rows A3[6 + x + y / 2]
-    {kNbUpper | kNbUpperRight, 6, 6, {0, 1, 2, 3, 8, 9, 10, 11, 1, 2, 3, 4, 9, 10, 11, 12}},
+    {kNbUpper | kNbLeft | kNbCorner, {}, 0, 0, {3, 11, 12, 13, 2, 10, 3, 11, 1, 9, 2, 10, 0, 8, 1, 9}},
+    // 7 vertical-left: even rows A2[x + y / 2], odd rows A3[x + y / 2]
+    {kNbUpper | kNbUpperRight, {}, 0, 0, {0, 1, 2, 3, 8, 9, 10, 11, 1, 2, 3, 4, 9, 10, 11, 12}},
     // 8 horizontal-up: A2[3] A3[2] A2[2] A3[1] A2[1] A3[0], then L3 = A2[0]
-    {kNbLeft, 0, 0, {3, 10, 2, 9, 2, 9, 1, 8, 1, 8, 0, 0, 0, 0, 0, 0}},
+    {kNbLeft, {}, 0, 0, {3, 10, 2, 9, 2, 9, 1, 8, 1, 8, 0, 0, 0, 0, 0, 0}},
 };
 // clang-format on
+constexpr const int8_t (&edge_order(int mode))[16] {
+    return mode == 3 || mode == 7 ? kUpperEdge : mode == 8 ? kLeftEdge : kCornerEdge;
+}
 
-template <int mode>
-KvtStatus directional(uint8_t* p, int step, unsigned avail) {
+// The raw neighbours U0..U7 L0 L1 L2 L3 M (bytes 0..12) the mode reads, substituted as `avail`
+// says.
+template <unsigned uses, unsigned avail>
+__m128i raw_edge(const uint8_t* p, int step) {
+    const uint8_t* above = p - step;
+    constexpr unsigned whole_row = kNbUpper | kNbUpperRight;
+    __m128i upper = _mm_setzero_si128();
+    if constexpr ((uses & whole_row) == whole_row && (avail & whole_row) == whole_row) {
+        upper = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(above));
+    } else if constexpr (uses & kNbUpper) {
+        const uint32_t u = avail & kNbUpper ? load32(above) : 0x80808080u;
+        uint32_t ur = 0;
+        if constexpr ((uses & kNbUpperRight) && (avail & kNbUpperRight))
+            ur = load32(above + 4);
+        else if constexpr (uses & kNbUpperRight)
+            ur = 0x01010101u * (u >> 24);
+        upper = _mm_unpacklo_epi32(_mm_cvtsi32_si128(int(u)), _mm_cvtsi32_si128(int(ur)));
+    }
+    int left = 0, m = 0;
+    if constexpr ((uses & kNbLeft) && (avail & kNbLeft))
+        left = int(left4(p, step, 0));
+    else if constexpr (uses & kNbLeft)
+        left = int(0x80808080u);
+    if constexpr (uses & kNbCorner) m = avail & kNbCorner ? above[-1] : 128;
+    const __m128i lm = _mm_unpacklo_epi32(_mm_cvtsi32_si128(left), _mm_cvtsi32_si128(m));
+    return _mm_unpacklo_epi64(upper, lm);
+}
+
+// L[0..3] in bytes 15, 14, 13, 12: the four bytes ending at each left sample, interleaved.
+inline __m128i left_high(const uint8_t* p, int step) {
+    const auto at = [&](int y) { return _mm_cvtsi32_si128(int(load32(row(p, step, y) - 4))); };
+    return _mm_unpacklo_epi16(_mm_unpacklo_epi8(at(3), at(2)), _mm_unpacklo_epi8(at(1), at(0)));
+}
+
+// The mode's edge vector. With every neighbour it reads available: the upper row in one load,
+// the left column from four loads and three interleaves; otherwise the substituted neighbours
+// in the raw order, then shuffled.
+template <int mode, unsigned avail>
+__m128i edge(const uint8_t* p, int step) {
+    constexpr unsigned uses = kModes[mode - 3].uses;
+    if constexpr ((avail & uses) != uses) {
+        return _mm_shuffle_epi8(raw_edge<uses, avail>(p, step), bytes(edge_order(mode)));
+    } else if constexpr (mode == 7) {  // no sample needs U7 twice
+        return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p - step));
+    } else if constexpr (mode == 3) {
+        return _mm_shuffle_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p - step)),
+                                bytes(kUpperEdge));
+    } else if constexpr (mode == 8) {
+        constexpr int8_t order[16] = {12, 12, 13, 14, 15, 15, 15, 15, 15, 15, 15, 15, 15, 15, 15, 15};
+        return _mm_shuffle_epi8(left_high(p, step), bytes(order));
+    } else {  // M U0 .. U6 after L3 .. L0
+        const __m128i upper = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p - step - 1));
+        return _mm_alignr_epi8(upper, left_high(p, step), 12);
+    }
+}
+
+// v, as a value the compiler knows nothing about: left to itself it turns the byte shifts of an
+// edge whose upper half it knows into shuffles through memory.
+inline __m128i opaque(__m128i v) {
+#if defined(__GNUC__)
+    asm("" : "+x"(v));
+#endif
+    return v;
+}
+template <int n>
+__m128i shift_bytes(__m128i v) {
+    if constexpr (n == 0)
+        return v;
+    else
+        return _mm_srli_si128(v, n);
+}
+
+template <int mode, unsigned avail>
+KvtStatus directional(uint8_t* p, int step) {
     constexpr Directional m = kModes[mode - 3];
-    // U0..U7 L0 L1 L2 L3 M -> L3 L3 L2 L1 L0 M U0 .. U7 U7 U7
-    const __m128i e = _mm_shuffle_epi8(raw_edge<m.uses>(p, step, avail),
-                                       _mm_setr_epi8(11, 11, 10, 9, 8, 12, 0, 1, 2, 3, 4, 5, 6, 7, 7, 7));
+    const __m128i e = opaque(edge<mode, avail>(p, step));
     const __m128i e1 = _mm_srli_si128(e, 1), e2 = _mm_srli_si128(e, 2);
     const __m128i a2 = _mm_avg_epu8(e, e1);
     const __m128i floor_ac =
         _mm_sub_epi8(_mm_avg_epu8(e, e2), _mm_and_si128(_mm_xor_si128(e, e2), _mm_set1_epi8(1)));
     const __m128i a3 = _mm_avg_epu8(floor_ac, e1);
-    const __m128i window = _mm_unpacklo_epi64(_mm_srli_si128(a2, m.a2), _mm_srli_si128(a3, m.a3));
-    const __m128i pick = _mm_setr_epi8(m.pick[0], m.pick[1], m.pick[2], m.pick[3], m.pick[4], m.pick[5],
-                                       m.pick[6], m.pick[7], m.pick[8], m.pick[9], m.pick[10], m.pick[11],
-                                       m.pick[12], m.pick[13], m.pick[14], m.pick[15]);
-    const __m128i out = _mm_shuffle_epi8(window, pick);
-    store32(p, out);
-    store32(row(p, step, 1), _mm_srli_si128(out, 4));
-    store32(row(p, step, 2), _mm_srli_si128(out, 8));
-    store32(row(p, step, 3), _mm_srli_si128(out, 12));
+    __m128i out;
+    if constexpr (mode == 3 || mode == 4) {  // A3 only
+        int8_t pick[16] = {};
+        for (int i = 0; i < 16; ++i) pick[i] = int8_t(m.pick[i] - 8);
+        out = _mm_shuffle_epi8(a3, bytes(pick));
+    } else {
+        const __m128i window = _mm_unpacklo_epi64(shift_bytes<m.a2>(a2), shift_bytes<m.a3>(a3));
+        out = _mm_shuffle_epi8(window, bytes(m.pick));
+    }
+    store32(p, uint32_t(_mm_cvtsi128_si32(out)));
+    store32(row(p, step, 1), uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(out, 1))));
+    store32(row(p, step, 2), uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(out, 2))));
+    store32(row(p, step, 3), uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(out, 3))));
     constexpr unsigned warn = m.uses & (kNbUpper | kNbLeft | kNbCorner);
     return warn & ~avail ? kvtStsNeighbourSubstituted : kvtStsOk;
 }
 
+template <int... M>
+void fill_intra_directional(IntraPredDsp& d, std::integer_sequence<int, M...>) {
+    (fill_avail<0>(d.pred4x4[M + 3],
+                   [](auto a) { return directional<M + 3, decltype(a)::value & kModes[M].uses>; }),
+     ...);
+}
 inline void fill_intra_directional(IntraPredDsp& d) {
-    d.pred4x4[3] = directional<3>;
-    d.pred4x4[4] = directional<4>;
-    d.pred4x4[5] = directional<5>;
-    d.pred4x4[6] = directional<6>;
-    d.pred4x4[7] = directional<7>;
-    d.pred4x4[8] = directional<8>;
+    fill_intra_directional(d, std::make_integer_sequence<int, 6>());
 }
 
 #endif

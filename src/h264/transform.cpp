@@ -41,9 +41,13 @@ KvtStatus kvtiDequantTransformResidualAndAdd_H264_16s_C1I(const Kvt8u* pPred, Kv
                                                           int dstStep, int QP, int AC) {
     if (!pPred || !pDst) return kvtStsNullPointer;
     if (bad_qp(QP)) return kvtStsOutOfRange;
-    if (AC && pSrcDst) return dsp.residual_add(pSrcDst, pDC, factors(QP), pPred, predStep, pDst, dstStep);
-    if (!pSrcDst && !pDC) return kvtStsNullPointer;
-    return dsp.residual_dc_add(pSrcDst, pDC, factors(QP), pPred, predStep, pDst, dstStep);
+    if (AC && pSrcDst) {
+        if (pDC) return dsp.residual_add_dc(pPred, pSrcDst, pDC, pDst, predStep, dstStep, QP);
+        return dsp.residual_add(pPred, pSrcDst, factors(QP), pDst, predStep, dstStep);
+    }
+    if (pDC) return dsp.residual_dc_add_dc(pPred, pSrcDst, pDC, pDst, predStep, dstStep, QP);
+    if (!pSrcDst) return kvtStsNullPointer;
+    return dsp.residual_dc_add(pPred, pSrcDst, factors(QP), pDst, predStep, dstStep);
 }
 
 KvtStatus kvtiTransformPrediction_H264_8u16s_C1(const Kvt8u* pSrc, int srcStep, Kvt16s* pDst) {

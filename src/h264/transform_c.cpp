@@ -71,24 +71,43 @@ KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int16_t* fa
     return kvtStsOk;
 }
 
-KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
-                       int pred_step, uint8_t* dst, int dst_step) {
+void add_residual(const uint8_t* pred, int16_t* c, const int16_t* dc, const int16_t* factors, uint8_t* dst,
+                  int pred_step, int dst_step) {
     dequant_transform(c, dc, factors);
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)
             dst[intptr_t(y) * dst_step + x] = clip_u8(pred[intptr_t(y) * pred_step + x] + c[4 * y + x]);
-    return kvtStsOk;
 }
 
 // The residual is limited to -256..256 so that prediction + residual stays inside ClampTbl; the
 // block is only read.
-KvtStatus residual_dc_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
-                          int pred_step, uint8_t* dst, int dst_step) {
+void add_dc_residual(const uint8_t* pred, const int16_t* c, const int16_t* dc, const int16_t* factors,
+                     uint8_t* dst, int pred_step, int dst_step) {
     const int16_t r = round6(dc_coefficient(c, dc, factors));
     const int limited = r < -256 ? -256 : r > 256 ? 256 : r;
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)
             dst[intptr_t(y) * dst_step + x] = ClampTbl[pred[intptr_t(y) * pred_step + x] + limited + 256];
+}
+
+KvtStatus residual_add(const uint8_t* pred, int16_t* c, const int16_t* factors, uint8_t* dst, int pred_step,
+                       int dst_step) {
+    add_residual(pred, c, nullptr, factors, dst, pred_step, dst_step);
+    return kvtStsOk;
+}
+KvtStatus residual_dc_add(const uint8_t* pred, int16_t* c, const int16_t* factors, uint8_t* dst,
+                          int pred_step, int dst_step) {
+    add_dc_residual(pred, c, nullptr, factors, dst, pred_step, dst_step);
+    return kvtStsOk;
+}
+KvtStatus residual_add_dc(const uint8_t* pred, int16_t* c, const int16_t* dc, uint8_t* dst, int pred_step,
+                          int dst_step, int qp) {
+    add_residual(pred, c, dc, InvQuantCoef[size_t(qp)].data(), dst, pred_step, dst_step);
+    return kvtStsOk;
+}
+KvtStatus residual_dc_add_dc(const uint8_t* pred, int16_t* c, const int16_t* dc, uint8_t* dst, int pred_step,
+                             int dst_step, int) {
+    add_dc_residual(pred, c, dc, nullptr, dst, pred_step, dst_step);
     return kvtStsOk;
 }
 
@@ -142,6 +161,8 @@ void init_transform(TransformDsp& d) {
     d.residual_dc = residual_dc;
     d.residual_add = residual_add;
     d.residual_dc_add = residual_dc_add;
+    d.residual_add_dc = residual_add_dc;
+    d.residual_dc_add_dc = residual_dc_add_dc;
     d.transform_prediction = transform_prediction;
     d.sisp_residual = sisp_residual;
     d.sisp_chroma_dc = sisp_chroma_dc;

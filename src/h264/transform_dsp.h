@@ -13,11 +13,14 @@ namespace kvt {
 // Residual kernels: dc is the caller's already scaled DC coefficient, or null to scale c[0];
 // factors are the 16 dequantization factors of the block's QP (h264::InvQuantCoef[qp]).
 using ResidualFn = KvtStatus (*)(int16_t* c, int step, const int16_t* dc, const int16_t* factors);
-// Residual added to pred into dst; the block receives the residual. The DC-only kernel only reads
-// the block, and c may be null (then dc is not). The destination step comes last: it is needed
-// last (on x86-64 the seventh argument is passed on the stack).
-using ResidualAddFn = KvtStatus (*)(int16_t* c, const int16_t* dc, const int16_t* factors,
-                                    const uint8_t* pred, int pred_step, uint8_t* dst, int dst_step);
+// Residual added to pred into dst; the block receives the residual (the DC-only kernels only read
+// it). Without the caller's DC the kernel gets the factors (six arguments, all in registers on
+// x86-64); with it, the exported function's arguments in its order, so that the front jumps
+// without moving any (QP stays in the caller's stack slot), and c may be null in the DC-only one.
+using ResidualAddFn = KvtStatus (*)(const uint8_t* pred, int16_t* c, const int16_t* factors, uint8_t* dst,
+                                    int pred_step, int dst_step);
+using ResidualAddDcFn = KvtStatus (*)(const uint8_t* pred, int16_t* c, const int16_t* dc, uint8_t* dst,
+                                      int pred_step, int dst_step, int qp);
 
 struct TransformDsp {
     KvtStatus (*luma_dc)(int16_t* c, int qp);    // 16 Intra16x16 DC levels
@@ -26,6 +29,8 @@ struct TransformDsp {
     ResidualFn residual_dc;                      // no AC levels: (DC + 32) >> 6 everywhere
     ResidualAddFn residual_add;
     ResidualAddFn residual_dc_add;
+    ResidualAddDcFn residual_add_dc;  // the same with the caller's DC
+    ResidualAddDcFn residual_dc_add_dc;
     KvtStatus (*transform_prediction)(const uint8_t* src, int step, int16_t* dst);
     // SP/SI: levels c and the transformed prediction to reconstructed samples (q1 = si ? qs : qp).
     KvtStatus (*sisp_residual)(int16_t* c, const int16_t* pred, const int16_t* dc, int ac, int qp, int qs,

@@ -18,11 +18,9 @@ inline const uint8_t* at(const void* p, int step, int y) {
 }
 inline uint8_t* at(void* p, int step, int y) { return static_cast<uint8_t*>(p) + intptr_t(y) * step; }
 
-// Dequantizes rows 0|1 in a and 2|3 in b (the DC as the caller's value when dc is given), inverse-
-// transforms rows then columns and rounds: rows 0|1 of the residual in a, rows 3|2 in b.
-inline void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const int16_t* factors) {
-    a = _mm_mullo_epi16(a, load16(factors));
-    b = _mm_mullo_epi16(b, load16(factors + 8));
+// Dequantized rows 0|1 in a and 2|3 in b (the DC replaced by the caller's value when dc is given)
+// inverse-transformed, rows then columns, and rounded: rows 0|1 of the residual in a, rows 3|2 in b.
+inline void transform(__m128i& a, __m128i& b, const int16_t* dc) {
     if (dc) a = _mm_insert_epi16(a, *dc, 0);
     transpose(a, b);
     inverse_core(a, b);
@@ -30,6 +28,11 @@ inline void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const i
     transpose(a, b);
     inverse_core(a, b);
     a = round6(a), b = round6(b);
+}
+inline void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const int16_t* factors) {
+    a = _mm_mullo_epi16(a, load16(factors));
+    b = _mm_mullo_epi16(b, load16(factors + 8));
+    transform(a, b, dc);
 }
 
 inline KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
@@ -55,27 +58,49 @@ inline KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int1
     return kvtStsOk;
 }
 
-inline KvtStatus residual_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
-                              int pred_step, uint8_t* dst, int dst_step) {
-    __m128i a = load16(c), b = load16(c + 8);
-    dequant_transform(a, b, dc, factors);
+// The residual of the levels at c (factors 16-byte aligned, as InvQuantCoef's rows are; the DC
+// the caller's when dc is given) added to pred into dst; c receives the residual.
+inline void add_residual(const uint8_t* pred, int16_t* c, const int16_t* dc, const int16_t* factors,
+                         uint8_t* dst, int pred_step, int dst_step) {
+    const auto* f = reinterpret_cast<const __m128i*>(factors);
+    __m128i a = _mm_mullo_epi16(load16(c), _mm_load_si128(f)),
+            b = _mm_mullo_epi16(load16(c + 8), _mm_load_si128(f + 1));
+    transform(a, b, dc);
     store16(c, a), store16(c + 8, swap_halves(b));
     a = _mm_add_epi16(a, widen_rows(pred, at(pred, pred_step, 1)));
     b = _mm_add_epi16(b, widen_rows(at(pred, pred_step, 3), at(pred, pred_step, 2)));
     store_rows(dst, at(dst, dst_step, 1), at(dst, dst_step, 3), at(dst, dst_step, 2), _mm_packus_epi16(a, b));
-    return kvtStsOk;
 }
 
 // Saturating byte adds of the residual's positive and negative parts (each packed with unsigned
 // saturation): the clamp of prediction + residual, the residual limited as ClampTbl needs. The
 // block is not written.
-inline KvtStatus residual_dc_add(int16_t* c, const int16_t* dc, const int16_t* factors, const uint8_t* pred,
-                                 int pred_step, uint8_t* dst, int dst_step) {
-    const __m128i r = _mm_shufflelo_epi16(_mm_cvtsi32_si128(dc_residual(c, dc, factors)), 0);
+inline void add_dc_residual(const uint8_t* pred, int residual, uint8_t* dst, int pred_step, int dst_step) {
+    const __m128i r = _mm_shufflelo_epi16(_mm_cvtsi32_si128(residual), 0);
     const __m128i up = _mm_packus_epi16(r, r),
                   down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
     for (int y = 0; y < 4; ++y)
         store4(at(dst, dst_step, y), _mm_subs_epu8(_mm_adds_epu8(load4(at(pred, pred_step, y)), up), down));
+}
+
+inline KvtStatus residual_add(const uint8_t* pred, int16_t* c, const int16_t* factors, uint8_t* dst,
+                              int pred_step, int dst_step) {
+    add_residual(pred, c, nullptr, factors, dst, pred_step, dst_step);
+    return kvtStsOk;
+}
+inline KvtStatus residual_add_dc(const uint8_t* pred, int16_t* c, const int16_t* dc, uint8_t* dst,
+                                 int pred_step, int dst_step, int qp) {
+    add_residual(pred, c, dc, kvt::h264::InvQuantCoef[size_t(qp)].data(), dst, pred_step, dst_step);
+    return kvtStsOk;
+}
+inline KvtStatus residual_dc_add(const uint8_t* pred, int16_t* c, const int16_t* factors, uint8_t* dst,
+                                 int pred_step, int dst_step) {
+    add_dc_residual(pred, dc_residual(c, nullptr, factors), dst, pred_step, dst_step);
+    return kvtStsOk;
+}
+inline KvtStatus residual_dc_add_dc(const uint8_t* pred, int16_t*, const int16_t* dc, uint8_t* dst,
+                                    int pred_step, int dst_step, int) {
+    add_dc_residual(pred, (*dc + 32) >> 6, dst, pred_step, dst_step);
     return kvtStsOk;
 }
 
@@ -122,6 +147,8 @@ inline void fill_transform(kvt::TransformDsp& d) {
     d.residual_dc = residual_dc;
     d.residual_add = residual_add;
     d.residual_dc_add = residual_dc_add;
+    d.residual_add_dc = residual_add_dc;
+    d.residual_dc_add_dc = residual_dc_add_dc;
     d.transform_prediction = transform_prediction;
 }
 

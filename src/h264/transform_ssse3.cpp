@@ -7,6 +7,7 @@ namespace kvt::ssse3 {
 void init_transform(TransformDsp& d) {
     d.residual = residual;
     d.residual_add = residual_add;
+    d.residual_add_dc = residual_add_dc;
 }
 
 }  // namespace kvt::ssse3

@@ -1,6 +1,7 @@
 // SSE2 half-sample prediction with the fixed rounding of halfpel.h, and the byte-domain helpers
 // the block metrics share.
-// Include only from *_sse2.cpp files.
+// Include only from tier files (*_sse2.cpp, *_avx2.cpp): built with -mavx2, the same code is
+// VEX-encoded and folds unaligned loads into the instructions that use them.
 #pragma once
 
 #include "common/simd.h"
@@ -91,6 +92,61 @@ private:
     intptr_t step_;
     __m128i prev_{};
     PairAvg top_{};
+};
+
+// The rows of a block four at a time from one base: p, p + s, p + 2s, p + 3s, and p + 4s, the
+// first row of the next group. Left to itself the compiler turns p + 2s into (p + s) + s, a
+// chain of one addition per row, and sixteen dependent additions sit on the critical path of a
+// 16x16 metric; the multiples of the step, hidden from it by an empty asm, keep every row one
+// addition (or one addressing mode) away from its group's base.
+class Rows4 {
+public:
+    Rows4(const uint8_t* p, intptr_t step) : p_(p), s_{step, 2 * step, 3 * step, 4 * step} {
+        asm("" : "+r"(s_[1]), "+r"(s_[2]), "+r"(s_[3]));
+    }
+    // Row k (0..4) of the current group.
+    const uint8_t* operator[](int k) const { return k == 0 ? p_ : p_ + s_[k - 1]; }
+    void next() { p_ += s_[3]; }
+
+private:
+    const uint8_t* p_;
+    intptr_t s_[4];  // s, 2s, 3s, 4s
+};
+
+// Fixed-rounding predictions of a block W samples wide, four rows per next4() call, top to
+// bottom, reading what FixedRows reads. Vertical phases carry the first row of the next group.
+template <int type, int W>
+class FixedRows4 {
+public:
+    FixedRows4(const uint8_t* ref, intptr_t step) : r_(ref, step) {
+        if constexpr (type == kMcVertHalf) top_.avg = load_row<W>(r_[0]);
+        if constexpr (type == kMcBothHalf) top_ = pair_avg(load_row<W>(r_[0]), load_row<W>(r_[0] + 1));
+    }
+
+    void next4(__m128i out[4]) {
+        for (int k = 0; k < 4; ++k) {
+            const uint8_t* p = r_[k];
+            if constexpr (type == kMcFull) {
+                out[k] = load_row<W>(p);
+            } else if constexpr (type == kMcHorHalf) {
+                out[k] = _mm_avg_epu8(load_row<W>(p), load_row<W>(p + 1));
+            } else if constexpr (type == kMcVertHalf) {
+                __m128i below = load_row<W>(r_[k + 1]);
+                asm("" : "+x"(below));  // one load per row: not folded into both averages
+                out[k] = _mm_avg_epu8(top_.avg, below);
+                top_.avg = below;
+            } else {
+                const PairAvg bot = pair_avg(load_row<W>(r_[k + 1]), load_row<W>(r_[k + 1] + 1));
+                out[k] = avg4_fixed(top_, bot);
+                top_ = bot;
+            }
+        }
+        r_.next();
+    }
+
+private:
+    Rows4 r_;
+    PairAvg top_{};  // vertical phases: the row (or pair average) below the last one given
 };
 
 // |a - b| per byte.

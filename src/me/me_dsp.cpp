@@ -15,6 +15,7 @@ void init_me_dsp(MeDsp& d, unsigned flags) {
     KVT_IF_TIER(flags, sse2, init_residual(d));
     KVT_IF_TIER(flags, sse2, init_texture_error(d));
     KVT_IF_TIER(flags, sse2, init_edges(d));
+    KVT_IF_TIER(flags, avx2, init_sqrdiff(d));
 }
 
 KVT_DSP_TABLE(MeDsp, init_me_dsp) me_dsp;

@@ -89,6 +89,9 @@ void init_residual(MeDsp& d);
 void init_texture_error(MeDsp& d);
 void init_edges(MeDsp& d);
 }  // namespace sse2
+namespace avx2 {
+void init_sqrdiff(MeDsp& d);
+}
 
 void init_me_dsp(MeDsp& d, unsigned cpu_flags);
 

@@ -32,6 +32,9 @@ void init_sad(SadDsp& d);
 namespace sse2 {
 void init_sad(SadDsp& d);
 }
+namespace avx2 {
+void init_sad(SadDsp& d);
+}
 
 void init_sad_dsp(SadDsp& d, unsigned cpu_flags);
 

@@ -1,42 +1,13 @@
 // SSE2 SAD kernels: PSADBW on byte predictions (halfpel_sse2.h gives the exact fixed rounding).
 #include "common/kernel.h"
-#include "me/halfpel_sse2.h"
 #include "me/sad_dsp.h"
+#include "me/sad_simd.h"
 
 namespace kvt::sse2 {
 
 using namespace simd;
 
 namespace {
-
-// Fixed-rounding predictions of rows y and y + 1 of an 8-wide block at p (row y).
-template <int type>
-inline __m128i pred_2rows8(const uint8_t* p, intptr_t step) {
-    const __m128i a = load_2rows8(p, step);
-    if constexpr (type == kMcFull)
-        return a;
-    else if constexpr (type == kMcHorHalf)
-        return _mm_avg_epu8(a, load_2rows8(p + 1, step));
-    else if constexpr (type == kMcVertHalf)
-        return _mm_avg_epu8(a, load_2rows8(p + step, step));
-    else
-        return avg4_fixed(pair_avg(a, load_2rows8(p + 1, step)),
-                          pair_avg(load_2rows8(p + step, step), load_2rows8(p + step + 1, step)));
-}
-
-// Two accumulators keep the 16 row additions off one dependency chain.
-template <int type, bool aligned>
-void sad16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
-    FixedRows<type, 16> pred(ref, ref_step);
-    const intptr_t cs = cur_step;
-    __m128i even = _mm_setzero_si128(), odd = _mm_setzero_si128();
-#pragma GCC unroll 8
-    for (int y = 0; y < 16; y += 2, cur += 2 * cs) {
-        even = _mm_add_epi64(even, _mm_sad_epu8(pred.next(), load_cur<aligned>(cur)));
-        odd = _mm_add_epi64(odd, _mm_sad_epu8(pred.next(), load_cur<aligned>(cur + cs)));
-    }
-    *sad = hsum_sad(_mm_add_epi64(even, odd));
-}
 
 // Four rows of a 4-wide block in one register.
 inline __m128i load_4rows4(const uint8_t* p, intptr_t step) {
@@ -64,23 +35,6 @@ inline __m128i band_sads4x4(const uint8_t* cur, intptr_t cs, const uint8_t* ref,
     const __m128i right = _mm_add_epi64(_mm_sad_epu8(c1, r1), _mm_sad_epu8(c3, r3));  // blocks 2, 3
     return _mm_unpacklo_epi64(_mm_shuffle_epi32(left, _MM_SHUFFLE(3, 1, 2, 0)),
                               _mm_shuffle_epi32(right, _MM_SHUFFLE(3, 1, 2, 0)));
-}
-
-template <int type, bool aligned>
-KvtStatus sad_16x16(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
-    sad16<type, aligned>(cur, cur_step, ref, ref_step, sad);
-    return kvtStsOk;
-}
-
-template <int type>
-KvtStatus sad_8x8(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
-    const intptr_t cs = cur_step, rs = ref_step;
-    __m128i acc = _mm_setzero_si128();
-#pragma GCC unroll 4
-    for (int y = 0; y < 8; y += 2, cur += 2 * cs, ref += 2 * rs)
-        acc = _mm_add_epi64(acc, _mm_sad_epu8(load_2rows8(cur, cs), pred_2rows8<type>(ref, rs)));
-    *sad = hsum_sad(acc);
-    return kvtStsOk;
 }
 
 KvtStatus sad_4x4(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
@@ -115,17 +69,15 @@ KvtStatus blocks4x4(const uint8_t* cur, int cur_step, const uint8_t* ref, int re
 
 }  // namespace
 
-// The integer and vertical-half SADs (but the aligned 16x16 vertical one) and the 4x4 SAD are
-// within 10% of the vectorised C kernels on x86-64: there the C kernels keep those slots.
+// The 4x4 SAD and the 16x16 vertical half with an unaligned current block (whose rows SSE2
+// cannot fold into PSADBW) are within 10% of the vectorised C kernels on x86-64: there the C
+// kernels keep them.
 void init_sad(SadDsp& d) {
-    SadDsp all{};
-    fill_slots(all.sad16, [](auto p) { return sad_16x16<decltype(p)::value * 4, false>; });
-    fill_slots(all.sad16_a16, [](auto p) { return sad_16x16<decltype(p)::value * 4, true>; });
-    fill_slots(all.sad8, [](auto p) { return sad_8x8<decltype(p)::value * 4>; });
-    for (int p = 0; p < 4; ++p) {
-        if (kScalarC || p >= 2) d.sad16[p] = all.sad16[p], d.sad8[p] = all.sad8[p];
-        if (kScalarC || p >= 1) d.sad16_a16[p] = all.sad16_a16[p];
-    }
+    const SadFn keep = d.sad16[1];
+    fill_slots(d.sad16, [](auto p) { return sad_16x16<decltype(p)::value * 4, false>; });
+    if (!kScalarC) d.sad16[1] = keep;
+    fill_slots(d.sad16_a16, [](auto p) { return sad_16x16<decltype(p)::value * 4, true>; });
+    fill_slots(d.sad8, [](auto p) { return sad_8x8<decltype(p)::value * 4>; });
     if (kScalarC) d.sad4 = sad_4x4;
     d.blocks8x8 = blocks8x8;
     d.blocks4x4 = blocks4x4;

@@ -453,9 +453,15 @@ TEST(H264Transform, EveryTierMatchesOracle) {
                     Guarded<int16_t> c(16, size_t(rng.uniform(0, 7)) * 2);
                     std::copy(b.begin(), b.end(), c.data());
                     const bool no_block = dc_only && dcp && rng.coin();
-                    const ResidualAddFn add = dc_only ? d.residual_dc_add : d.residual_add;
-                    out.add(what + " add", add(no_block ? nullptr : c.data(), dcp, factors, pred.data(),
-                                               pred.step(), dst.data(), dst.step()));
+                    KvtStatus st;
+                    if (dcp)
+                        st = (dc_only ? d.residual_dc_add_dc : d.residual_add_dc)(
+                            pred.data(), no_block ? nullptr : c.data(), dcp, dst.data(), pred.step(),
+                            dst.step(), qp);
+                    else
+                        st = (dc_only ? d.residual_dc_add : d.residual_add)(
+                            pred.data(), c.data(), factors, dst.data(), pred.step(), dst.step());
+                    out.add(what + " add", st);
                     out.add_buffer(what + " add", dst), out.add_buffer(what + " add block", c);
                 }
                 Kvt8u px[16];
