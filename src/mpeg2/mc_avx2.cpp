@@ -15,7 +15,6 @@ namespace kvt::avx2 {
 namespace {
 
 inline __m128i load16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
-inline __m128i load8(const uint8_t* p) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)); }
 
 // Rows of a W-wide block (W = 16: one row; W = 8: two rows) as 16 words.
 template <int W>
@@ -23,7 +22,9 @@ inline __m256i load_words(const uint8_t* p, intptr_t step) {
     if constexpr (W == 16)
         return _mm256_cvtepu8_epi16(load16(p));
     else
-        return _mm256_cvtepu8_epi16(_mm_unpacklo_epi64(load8(p), load8(p + step)));
+        return _mm256_cvtepu8_epi16(
+            _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)),
+                               _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + step))));
 }
 
 template <int W>
