@@ -12,4 +12,9 @@ endfunction()
 function(kvt_library_warnings target)
   kvt_warnings(${target})
   target_compile_options(${target} PRIVATE -Wconversion)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # Clang's -Wconversion also warns on sign changes, which GCC's does not in C++; keep the two
+    # compilers to one rule.
+    target_compile_options(${target} PRIVATE -Wno-sign-conversion)
+  endif()
 endfunction()

@@ -1,6 +1,8 @@
-# Fails when one weak, unique or global symbol is defined by objects of two instruction-set tiers
+# Fails when one weak or global function is defined by objects of two instruction-set tiers
 # (tier from the source suffix _sse2/_ssse3/_avx2/_avx512, everything else the base): the linker
-# would keep one copy, which may hold instructions a lower tier's processor does not have.
+# would keep one copy, which may hold instructions a lower tier's processor does not have. Data
+# (nm types V, u: weak objects such as inline constant tables) is the same bytes in every tier and
+# is left out.
 #   cmake -DNM=nm -DOBJECTS="a.o|b.o|..." -P check_tiers.cmake
 string(REPLACE "|" ";" objects "${OBJECTS}")
 foreach(obj ${objects})
@@ -14,7 +16,7 @@ foreach(obj ${objects})
   endif()
   string(REPLACE "\n" ";" lines "${out}")
   foreach(line ${lines})
-    if(NOT line MATCHES "^[0-9a-fA-F]* +[WVuT] +(.+)$")
+    if(NOT line MATCHES "^[0-9a-fA-F]* +[WT] +(.+)$")
       continue()
     endif()
     set(name "${CMAKE_MATCH_1}")
