@@ -61,7 +61,7 @@ void add_kernel(const std::string& function, const std::string& args, void (*ini
 }
 
 // ---- Timing as FFmpeg's checkasm does ------------------------------------------------------
-// The peer's figure for a kernel (../shared/peer/README.md) is the mean, over 1024 samples, of
+// FFmpeg checkasm's figure for a kernel (mean-of-samples build) is the mean, over 1024 samples, of
 // four back-to-back calls between two `lfence; rdtsc` stamps, the first sample and every sample
 // above four times the running mean dropped, less the cost of the two stamps alone, divided by
 // four. For kernels of a few nanoseconds that differs from Google Benchmark's loop (the four

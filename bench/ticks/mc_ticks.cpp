@@ -1,5 +1,5 @@
 // kvtvc-ticks-mc: the exported prediction, averaging and reconstruction functions timed the way
-// the peer's checkasm times its DSP functions (../shared/peer/README.md), so that the two figures
+// FFmpeg's checkasm (with the mean-of-samples figure) times its DSP functions, so that the two figures
 // can be set side by side: a sample is 4 calls between two `lfence; rdtsc` stamps, 1024 samples,
 // the first sample and every sample above 4x the running mean are dropped, the timer overhead is
 // subtracted and the mean is divided by 4. TSC ticks per call. The buffers are laid out as the

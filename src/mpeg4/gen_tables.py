@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Writes coef_tables.cpp and scan_tables.h, the code tables of the MPEG-4 / H.263 coefficient
-decoders, from the TSV copies of the standards' tables (the repository's tables/ folder, else
-../shared/tables).
+decoders, from the TSV copies of the standards' tables in the repository's tables/ folder.
 
     python3 src/mpeg4/gen_tables.py        # run from anywhere; rewrites both files
 
@@ -18,10 +17,10 @@ ROOT = os.path.dirname(os.path.dirname(HERE))
 
 
 def tables_dir():
-    for d in (os.path.join(ROOT, "tables"), os.path.join(ROOT, "..", "shared", "tables")):
-        if os.path.isdir(d):
-            return d
-    sys.exit("no tables/ folder and no ../shared/tables")
+    d = os.path.join(ROOT, "tables")
+    if not os.path.isdir(d):
+        sys.exit("no tables/ folder at " + d)
+    return d
 
 
 def read(name):
