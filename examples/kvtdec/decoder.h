@@ -21,6 +21,7 @@
 
 #include <kvtvc.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -160,6 +161,18 @@ private:
     std::vector<IntraBlockState> intra_state_;  // 6 per macroblock
     PendingMb pending_[2];
     MbInfo& mb(int x, int y) { return mbs_[size_t(y) * mb_cols_ + x]; }
+    // Macroblock (x, y) of the current slice, its vectors cleared; `was_copy` says whether the
+    // buffer already held the reference's samples there.
+    MbInfo& start_mb(int x, int y, bool& was_copy) {
+        MbInfo& m = mb(x, y);
+        m.slice = slice_;
+        std::fill(m.mv, m.mv + 4, KvtMotionVec{0, 0});
+        was_copy = m.copy_of_reference;
+        m.copy_of_reference = false;
+        return m;
+    }
+    // The vectors of a neighbour outside the picture or slice.
+    static constexpr KvtMotionVec kZeroVectors[4] = {};
     void start_picture();
     void finish_picture();
 

@@ -47,16 +47,11 @@ int read_umv_plus_component(BitReader& br) {
     }
 }
 
-const KvtMotionVec kZeroVectors[4] = {};
-
 }  // namespace
 
 void Decoder::decode_h263_mb(int x, int y) {
-    MbInfo& m = mb(x, y);
-    m.slice = slice_;
-    std::fill(m.mv, m.mv + 4, KvtMotionVec{0, 0});
-    const bool was_copy = m.copy_of_reference;
-    m.copy_of_reference = false;
+    bool was_copy;
+    MbInfo& m = start_mb(x, y, was_copy);
     Kvt8u** pp = &br_.ptr;
     int* po = &br_.offset;
 

@@ -12,16 +12,11 @@ namespace {
 // dquant (ISO/IEC 14496-2 Table 6-27): 00 -1, 01 -2, 10 +1, 11 +2.
 constexpr int kDquant[4] = {-1, -2, 1, 2};
 
-const KvtMotionVec kZeroVectors[4] = {};
-
 }  // namespace
 
 void Decoder::decode_mpeg4_mb(int x, int y) {
-    MbInfo& m = mb(x, y);
-    m.slice = slice_;
-    std::fill(m.mv, m.mv + 4, KvtMotionVec{0, 0});
-    const bool was_copy = m.copy_of_reference;
-    m.copy_of_reference = false;
+    bool was_copy;
+    MbInfo& m = start_mb(x, y, was_copy);
     Kvt8u** pp = &br_.ptr;
     int* po = &br_.offset;
 
