@@ -7,8 +7,10 @@
 #include <vector>
 
 #include "bench.h"
+#include "common/cpu.h"
 #include "h264/interp_dsp.h"
 #include "h264/weight_dsp.h"
+#include "h264_ticks.h"
 
 using namespace kvt;
 using namespace kvt::bench;
@@ -35,6 +37,32 @@ const Frame& frame() {
     return f;
 }
 
+// The table in use on this processor.
+template <class Dsp>
+Dsp in_use(void (*init)(Dsp&, unsigned)) {
+    Dsp d{};
+    init(d, cpu_flags());
+    return d;
+}
+
+// The checkasm columns time the kernel in use in the peer's layouts: its h264qpel test keeps
+// source and destination at a step of the block width, the source 96 bytes into a 16-byte
+// aligned buffer; its own chroma and weighting tests use a step of 64.
+struct PeerBuffers {
+    alignas(16) uint8_t src[2 * 16 * 23];
+    alignas(16) uint8_t dst[2 * 16 * 23];
+    alignas(16) uint8_t plane[64 * 24];
+    alignas(16) uint8_t blocks[4][64 * 16];  // one per call of a sample: in-place kernels
+    PeerBuffers() {
+        uint32_t x = 777;
+        const auto fill = [&x](uint8_t* b, size_t n) {
+            for (size_t i = 0; i < n; ++i) b[i] = uint8_t((x = x * 1103515245u + 12345u) >> 24);
+        };
+        fill(src, sizeof src), fill(dst, sizeof dst), fill(plane, sizeof plane);
+        fill(blocks[0], sizeof blocks);
+    }
+};
+
 void luma_rows(int w, int h) {
     for (int pos = 0; pos < 16; ++pos) {
         const std::string args = std::to_string(w) + "x" + std::to_string(h) + " mc" +
@@ -50,16 +78,22 @@ void luma_rows(int w, int h) {
                     benchmark::ClobberMemory();
                 }
             });
+        add_checkasm_column("kvtiInterpolateLuma_H264", args, [w, h, pos] {
+            const auto k = luma_kernel(in_use(init_interp_dsp), w, h, pos);
+            PeerBuffers b;
+            const uint8_t* const src = b.src + 96;
+            return checkasm_ticks([&] { k(src, w, b.dst, w, h); });
+        });
     }
 }
 
 void chroma_row(int w, int h, int dx, int dy) {
     const int wc = width_class(2 * w);
+    const std::string args = std::to_string(w) + "x" + std::to_string(h) + " (" + std::to_string(dx) + "," +
+                             std::to_string(dy) + ")";
     add_kernel<InterpDsp>(
-        "kvtiInterpolateChroma_H264",
-        std::to_string(w) + "x" + std::to_string(h) + " (" + std::to_string(dx) + "," + std::to_string(dy) +
-            ")",
-        init_interp_dsp, ref::init_interp, [wc](const InterpDsp& d) { return (const void*)d.chroma[wc]; },
+        "kvtiInterpolateChroma_H264", args, init_interp_dsp, ref::init_interp,
+        [wc](const InterpDsp& d) { return (const void*)d.chroma[wc]; },
         [wc, h, dx, dy](const InterpDsp& d, benchmark::State& st) {
             const Frame& f = frame();
             const auto k = d.chroma[wc];
@@ -68,14 +102,20 @@ void chroma_row(int w, int h, int dx, int dy) {
                 benchmark::ClobberMemory();
             }
         });
+    add_checkasm_column("kvtiInterpolateChroma_H264", args, [wc, h, dx, dy] {
+        const auto k = in_use(init_interp_dsp).chroma[wc];
+        PeerBuffers b;
+        const uint8_t* const src = b.plane + 8 * 64 + 16;
+        return checkasm_ticks([&] { k(src, 64, b.dst, 64, dx, dy, h); });
+    });
 }
 
 // Explicit bi-prediction weights as an encoder sets them: log2 denominator 5, offset -3.
 void weight_row(int w, int h) {
     const int slot = weight_width_slot(w);
+    const std::string args = std::to_string(w) + "x" + std::to_string(h) + " w 40,-12 shift 6";
     add_kernel<WeightDsp>(
-        "kvtiWeightedAverage_H264", std::to_string(w) + "x" + std::to_string(h) + " w 40,-12 shift 6",
-        init_weight_dsp, ref::init_weight,
+        "kvtiWeightedAverage_H264", args, init_weight_dsp, ref::init_weight,
         [slot](const WeightDsp& d) { return (const void*)d.average_small[slot]; },
         [slot, h](const WeightDsp& d, benchmark::State& st) {
             const Frame& f = frame();
@@ -85,6 +125,14 @@ void weight_row(int w, int h) {
                 benchmark::ClobberMemory();
             }
         });
+    // In place: each of a sample's four calls on its own block, as the peer's biweight rows.
+    add_checkasm_column("kvtiWeightedAverage_H264", args, [slot, h] {
+        const auto k = in_use(init_weight_dsp).average_small[slot];
+        PeerBuffers b;
+        return h264ticks::checkasm_ticks([&](unsigned) {
+            for (int j = 0; j < 4; ++j) k(b.plane, b.blocks[j], 64, 40, -12, 6, -3, h);
+        });
+    });
 }
 
 }  // namespace

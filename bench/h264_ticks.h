@@ -10,11 +10,13 @@
 
 namespace kvt::bench::h264ticks {
 
-// Ticks per call of sample(k) for k = 0..1023, where sample makes four calls.
-template <class Sample>
-double checkasm_ticks(Sample&& sample) {
+// Ticks per call of sample(k) for k = 0..1023, where sample makes four calls; restore() runs
+// before each sample, outside the timed region (for kernels that change their input).
+template <class Sample, class Restore>
+double checkasm_ticks(Sample&& sample, Restore&& restore) {
     uint64_t sum = 0, kept = 0;
     for (unsigned i = 0; i < 1024; ++i) {
+        restore();
         const uint64_t t0 = stamp();
         sample(i);
         const uint64_t t = stamp() - t0;
@@ -22,6 +24,10 @@ double checkasm_ticks(Sample&& sample) {
     }
     const double ticks = kept ? double(sum) / double(kept) - stamp_overhead() : 0.0;
     return ticks > 0 ? ticks / 4 : 0.0;
+}
+template <class Sample>
+double checkasm_ticks(Sample&& sample) {
+    return checkasm_ticks(sample, [] {});
 }
 
 // One row "<function>/<arguments>/<kernel|front>" of the table with its checkasm column.

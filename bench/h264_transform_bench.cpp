@@ -1,5 +1,6 @@
 // H.264 transforms and quantizers at QP 28 on dense blocks (compare FFmpeg's h264_idct4_add,
 // h264_idct4_dc_add and the luma DC dequant-transform of checkasm's h264dsp and h264dsp_own).
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -91,9 +92,29 @@ void ticks_rows(const std::string& args, bool ac) {
     });
 }
 
+// The luma DC transform in use, four calls a sample on four blocks restored before each sample
+// (it works in place; the peer's h264_luma_dc_dequant_idct writes a separate output).
+void luma_dc_ticks_row() {
+    h264ticks::add_ticks_row("kvtiTransformDequantLumaDC_H264_16s_C1I/QP 28/kernel", [] {
+        Sets s;
+        TransformDsp d{};
+        init_transform_dsp(d, cpu_flags());
+        const auto k = d.luma_dc;
+        alignas(16) int16_t blocks[4][16];
+        return h264ticks::checkasm_ticks(
+            [&](unsigned) {
+                for (auto& b : blocks) k(b, kQP);
+            },
+            [&] {
+                for (int j = 0; j < 4; ++j) std::copy(s.set[j].c, s.set[j].c + 16, blocks[j]);
+            });
+    });
+}
+
 KVT_BENCH_ROWS {
     ticks_rows("AC", true);
     ticks_rows("DC-only", false);
+    luma_dc_ticks_row();
     inverse(
         "kvtiDequantTransformResidualAndAdd_H264_16s_C1I", "AC",
         [](const TransformDsp& d) { return d.residual_add; },

@@ -293,19 +293,20 @@ Window<W, Load> window(Load l) {
     return Window<W, Load>(l);
 }
 
-// Whole rows, a kernel per height. 16-byte rows: four loads ahead of their stores, in a loop
-// whose rows are addressed from two pointers (unrolled, the compiler steps one pointer row by row,
-// a chain of additions through the whole copy). Narrower rows: unrolled through general registers.
+// Whole rows, a kernel per height. 16-byte rows: four rows at a time, each addressed from a
+// base at every fourth row plus one, two or three steps, so that no row's address waits on the
+// row before it. Narrower rows: unrolled through general registers.
 template <int W, int H>
 KvtStatus copy(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int) {
     const intptr_t s = ss, d = ds;
     if constexpr (W == 16) {
-#pragma GCC unroll 1
-        for (int y = 0; y < H; y += 4, src += 4 * s, dst += 4 * d) {
-            const uint8_t* src2 = src + 2 * s;
-            uint8_t* dst2 = dst + 2 * d;
-            const __m128i a = load16(src), b = load16(src + s), c = load16(src2), e = load16(src2 + s);
-            store16(dst, a), store16(dst + d, b), store16(dst2, c), store16(dst2 + d, e);
+        const intptr_t s3 = 3 * s, d3 = 3 * d;
+#pragma GCC unroll 4
+        for (int y = 0; y < H; y += 4) {
+            const uint8_t* in = src + y * s;
+            uint8_t* out = dst + y * d;
+            const __m128i a = load16(in), b = load16(in + s), c = load16(in + 2 * s), e = load16(in + s3);
+            store16(out, a), store16(out + d, b), store16(out + 2 * d, c), store16(out + d3, e);
         }
     } else {
         for (int y = 0; y < H; ++y) std::memcpy(dst + y * d, src + y * s, W);
