@@ -58,8 +58,8 @@ struct PeerPlane {
 
 // The kernel in use and the exported function, timed the checkasm way (h264_ticks.h) in the
 // peer's layout.
-template <class Slot>
-void ticks_rows(const std::string& fn, const std::string& args, int mode, int step, Front front, Slot slot) {
+template <Front front, class Slot>
+void ticks_rows(const std::string& fn, const std::string& args, int mode, int step, Slot slot) {
     const std::string name = fn + "/" + args;
     h264ticks::add_ticks_row(name + "/kernel", [slot, step] {
         PeerPlane p;
@@ -70,7 +70,7 @@ void ticks_rows(const std::string& fn, const std::string& args, int mode, int st
         benchmark::DoNotOptimize(k);
         return h264ticks::checkasm_ticks([&](unsigned) { k(b, step), k(b, step), k(b, step), k(b, step); });
     });
-    h264ticks::add_ticks_row(name + "/front", [front, mode, step] {
+    h264ticks::add_ticks_row(name + "/front", [mode, step] {
         PeerPlane p;
         uint8_t* b = p.block();
         return h264ticks::checkasm_ticks([&](unsigned) {
@@ -89,20 +89,20 @@ KVT_BENCH_ROWS {
     for (int m = 0; m < 9; ++m) {
         const auto slot = [m](const IntraPredDsp& d) { return d.pred4x4[m][kAll & kNb4x4]; };
         pred_row("kvtiPredictIntra_4x4_H264_8u_C1IR", k4x4[m], slot);
-        ticks_rows("kvtiPredictIntra_4x4_H264_8u_C1IR", k4x4[m], m, 12, kvtiPredictIntra_4x4_H264_8u_C1IR,
-                   slot);
+        ticks_rows<kvtiPredictIntra_4x4_H264_8u_C1IR>("kvtiPredictIntra_4x4_H264_8u_C1IR", k4x4[m], m, 12,
+                                                      slot);
     }
     for (int m = 0; m < 4; ++m) {
         const auto slot = [m](const IntraPredDsp& d) { return d.pred16x16[m][kAll & kNbBlock]; };
         pred_row("kvtiPredictIntra_16x16_H264_8u_C1IR", k16[m], slot);
-        ticks_rows("kvtiPredictIntra_16x16_H264_8u_C1IR", k16[m], m, 48, kvtiPredictIntra_16x16_H264_8u_C1IR,
-                   slot);
+        ticks_rows<kvtiPredictIntra_16x16_H264_8u_C1IR>("kvtiPredictIntra_16x16_H264_8u_C1IR", k16[m], m, 48,
+                                                        slot);
     }
     for (int m = 0; m < 4; ++m) {
         const auto slot = [m](const IntraPredDsp& d) { return d.chroma8x8[m][kAll & kNbBlock]; };
         pred_row("kvtiPredictIntraChroma8x8_H264_8u_C1IR", kChroma[m], slot);
-        ticks_rows("kvtiPredictIntraChroma8x8_H264_8u_C1IR", kChroma[m], m, 24,
-                   kvtiPredictIntraChroma8x8_H264_8u_C1IR, slot);
+        ticks_rows<kvtiPredictIntraChroma8x8_H264_8u_C1IR>("kvtiPredictIntraChroma8x8_H264_8u_C1IR",
+                                                           kChroma[m], m, 24, slot);
     }
     return 0;
 }

@@ -43,13 +43,19 @@ inline uint32_t left4(const uint8_t* p, int step, int y0) {
     const intptr_t s = step;
     return q[0] | q[s] << 8 | q[2 * s] << 16 | uint32_t(q[3 * s]) << 24;
 }
-// Sum of L[y0 .. y0 + n - 1], n a multiple of 4, walking down the column with four accumulators.
-inline int sum_left(const uint8_t* p, int step, int y0, int n) {
-    const intptr_t s = step;
+// Sum of L[y0 .. y0 + n - 1], n a multiple of 4: rows addressed from a base every four rows (no
+// chain of additions), two accumulators (few enough registers to need no saved ones).
+template <int n>
+int sum_left(const uint8_t* p, int step, int y0) {
+    const intptr_t s = step, s3 = 3 * s;
     const uint8_t* q = p + y0 * s - 1;
-    int s0 = 0, s1 = 0, s2 = 0, s3 = 0;
-    for (int y = 0; y < n; y += 4, q += 4 * s) s0 += q[0], s1 += q[s], s2 += q[2 * s], s3 += q[3 * s];
-    return (s0 + s1) + (s2 + s3);
+    int a = 0, b = 0;
+#pragma GCC unroll 4
+    for (int y = 0; y < n; y += 4) {
+        const uint8_t* r = q + y * s;
+        a += r[0] + r[s], b += r[2 * s] + r[s3];
+    }
+    return a + b;
 }
 
 // N bytes of a row: 16 or the low 8.
@@ -67,9 +73,14 @@ __m128i load_row(const uint8_t* p) {
     else
         return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
 }
+// `rows` (a multiple of 4) rows of v, addressed from a base every four rows.
 template <int N>
 void fill(uint8_t* p, int step, __m128i v, int rows = N) {
-    for (int y = 0; y < rows; ++y) store_row<N>(row(p, step, y), v);
+    const intptr_t s = step, s3 = 3 * s;
+    for (int y = 0; y < rows; y += 4) {
+        uint8_t* q = p + y * s;
+        store_row<N>(q, v), store_row<N>(q + s, v), store_row<N>(q + 2 * s, v), store_row<N>(q + s3, v);
+    }
 }
 
 // ---- 4x4 luma: vertical, horizontal, DC (one kernel per availability) ------------------
@@ -102,11 +113,11 @@ KvtStatus dc4(uint8_t* p, int step) {
     constexpr bool up = avail & kNbUpper, left = avail & kNbLeft;
     int dc = 128;
     if constexpr (up && left)
-        dc = (sum_upper4(p, step) + sum_left(p, step, 0, 4) + 4) >> 3;
+        dc = (sum_upper4(p, step) + sum_left<4>(p, step, 0) + 4) >> 3;
     else if constexpr (up)
         dc = (sum_upper4(p, step) + 2) >> 2;
     else if constexpr (left)
-        dc = (sum_left(p, step, 0, 4) + 2) >> 2;
+        dc = (sum_left<4>(p, step, 0) + 2) >> 2;
     fill4(p, step, 0x01010101u * uint32_t(dc));
     return kvtStsOk;
 }
@@ -145,40 +156,59 @@ inline int sum_upper16(const uint8_t* p, int step) {
     return _mm_cvtsi128_si32(_mm_add_epi32(s, _mm_unpackhi_epi64(s, s)));
 }
 
+// The byte in lane 0 in all 16 lanes. (PSHUFB does it in one step but measured no faster here.)
+inline __m128i broadcast_byte0(__m128i v) {
+    v = _mm_unpacklo_epi8(v, v);
+    return _mm_shuffle_epi32(_mm_shufflelo_epi16(v, 0), 0);
+}
+
+// The upper row's sum stays in a vector register (PSADBW) and the left column's joins it there:
+// a round trip through a general register costs more than the two sums themselves.
 template <unsigned avail>
 KvtStatus dc16x16(uint8_t* p, int step) {
     constexpr bool up = avail & kNbUpper, left = avail & kNbLeft;
-    const int s = (up ? sum_upper16(p, step) : 0) + (left ? sum_left(p, step, 0, 16) : 0);
-    const int dc = up && left ? (s + 16) >> 5 : up || left ? (s + 8) >> 4 : 128;
-    fill<16>(p, step, _mm_set1_epi8(char(dc)));
+    __m128i dc;
+    if constexpr (up) {
+        __m128i s = _mm_sad_epu8(load_row<16>(p - step), _mm_setzero_si128());
+        s = _mm_add_epi32(s, _mm_unpackhi_epi64(s, s));
+        s = _mm_add_epi32(s, _mm_cvtsi32_si128(left ? sum_left<16>(p, step, 0) + 16 : 8));
+        dc = _mm_srli_epi32(s, left ? 5 : 4);
+    } else {
+        dc = _mm_cvtsi32_si128(left ? (sum_left<16>(p, step, 0) + 8) >> 4 : 128);
+    }
+    fill<16>(p, step, broadcast_byte0(dc));
     return kvtStsOk;
 }
 
 // Chroma DC: the four quarter values, rows 0..3 from the top pair, rows 4..7 from the bottom pair.
+// The rows are built and stored from general registers: the values come from scalar sums, and a
+// trip through a vector register would add its latency and a shuffle per half.
 template <unsigned avail>
 KvtStatus dc_chroma(uint8_t* p, int step) {
     constexpr bool up = avail & kNbUpper, left = avail & kNbLeft;
-    int su0 = 0, su1 = 0;
+    uint32_t su0 = 0, su1 = 0;
     if (up) {  // the two 4-sample sums of the upper row in the two halves of one PSADBW
         const __m128i u = _mm_unpacklo_epi32(load_row<8>(p - step), _mm_setzero_si128());
         const __m128i s = _mm_sad_epu8(u, _mm_setzero_si128());
-        su0 = _mm_cvtsi128_si32(s), su1 = _mm_cvtsi128_si32(_mm_unpackhi_epi64(s, s));
+        su0 = uint32_t(_mm_cvtsi128_si32(s)), su1 = uint32_t(_mm_cvtsi128_si32(_mm_unpackhi_epi64(s, s)));
     }
-    const int sl0 = left ? sum_left(p, step, 0, 4) : 0, sl1 = left ? sum_left(p, step, 4, 4) : 0;
-    const auto mean4 = [](int s) { return (s + 2) >> 2; };
-    int q[4] = {128, 128, 128, 128};
+    const uint32_t sl0 = left ? uint32_t(sum_left<4>(p, step, 0)) : 0;
+    const uint32_t sl1 = left ? uint32_t(sum_left<4>(p, step, 4)) : 0;
+    const auto mean4 = [](uint32_t s) { return (s + 2) >> 2; };
+    uint32_t q[4] = {128, 128, 128, 128};
     if (up && left)
         q[0] = (su0 + sl0 + 4) >> 3, q[1] = mean4(su1), q[2] = mean4(sl1), q[3] = (su1 + sl1 + 4) >> 3;
     else if (up)
         q[0] = q[2] = mean4(su0), q[1] = q[3] = mean4(su1);
     else if (left)
         q[0] = q[1] = mean4(sl0), q[2] = q[3] = mean4(sl1);
-    // The four values in one word, then each widened to four bytes: q0 q0 q0 q0 q1 .. q3.
-    __m128i v = _mm_cvtsi32_si128(q[0] | q[1] << 8 | q[2] << 16 | q[3] << 24);
-    v = _mm_unpacklo_epi8(v, v);
-    v = _mm_unpacklo_epi16(v, v);
-    fill<8>(p, step, v, 4);
-    fill<8>(row(p, step, 4), step, _mm_unpackhi_epi64(v, v), 4);
+    // Row values q0 x4, q1 x4 (top) and q2 x4, q3 x4 (bottom), by one multiply each.
+    const uint64_t top = (q[0] | uint64_t(q[1]) << 32) * 0x01010101u;
+    const uint64_t bottom = (q[2] | uint64_t(q[3]) << 32) * 0x01010101u;
+    const intptr_t s = step, s3 = 3 * s;
+    uint8_t* const p4 = p + 4 * s;
+    for (uint8_t* r : {p, p + s, p + 2 * s, p + s3}) std::memcpy(r, &top, 8);
+    for (uint8_t* r : {p4, p4 + s, p4 + 2 * s, p4 + s3}) std::memcpy(r, &bottom, 8);
     return kvtStsOk;
 }
 
