@@ -293,20 +293,34 @@ Window<W, Load> window(Load l) {
     return Window<W, Load>(l);
 }
 
-// Whole rows, a kernel per height. 16-byte rows: four rows at a time, each addressed from a
-// base at every fourth row plus one, two or three steps, so that no row's address waits on the
-// row before it. Narrower rows: unrolled through general registers.
+// Whole rows, a kernel per height. 16-byte rows: every load before the first store (as many rows
+// as there are vector registers), each row addressed from a base every four rows, so that no row's
+// address waits on the row before it; measured faster than stores interleaved with the loads.
+// Narrower rows: unrolled through general registers.
 template <int W, int H>
 KvtStatus copy(const uint8_t* src, int32_t ss, uint8_t* dst, int32_t ds, int) {
     const intptr_t s = ss, d = ds;
     if constexpr (W == 16) {
+#if defined(__x86_64__)
+        constexpr int kBatch = H;  // 16 vector registers
+#else
+        constexpr int kBatch = H < 8 ? H : 8;
+#endif
         const intptr_t s3 = 3 * s, d3 = 3 * d;
+        for (int y0 = 0; y0 < H; y0 += kBatch) {
+            __m128i r[kBatch];
 #pragma GCC unroll 4
-        for (int y = 0; y < H; y += 4) {
-            const uint8_t* in = src + y * s;
-            uint8_t* out = dst + y * d;
-            const __m128i a = load16(in), b = load16(in + s), c = load16(in + 2 * s), e = load16(in + s3);
-            store16(out, a), store16(out + d, b), store16(out + 2 * d, c), store16(out + d3, e);
+            for (int y = 0; y < kBatch; y += 4) {
+                const uint8_t* in = src + (y0 + y) * s;
+                r[y] = load16(in), r[y + 1] = load16(in + s), r[y + 2] = load16(in + 2 * s),
+                r[y + 3] = load16(in + s3);
+            }
+#pragma GCC unroll 4
+            for (int y = 0; y < kBatch; y += 4) {
+                uint8_t* out = dst + (y0 + y) * d;
+                store16(out, r[y]), store16(out + d, r[y + 1]), store16(out + 2 * d, r[y + 2]),
+                    store16(out + d3, r[y + 3]);
+            }
         }
     } else {
         for (int y = 0; y < H; ++y) std::memcpy(dst + y * d, src + y * s, W);
