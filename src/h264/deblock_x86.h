@@ -26,12 +26,19 @@ namespace {
 // ---- Sixteen 16-bit lanes ---------------------------------------------------------------------------
 
 // Small constants in memory: loads cost no vector operation, where a broadcast from a general
-// register costs two or three.
+// register costs two or three. The compiler sees through a plain load of a constant array and
+// builds the broadcast anyway; splat_lanes() hides the array's address from it.
 struct alignas(32) Splat {
     int16_t v[16];
 };
 template <int x>
 constexpr Splat kSplat = {{x, x, x, x, x, x, x, x, x, x, x, x, x, x, x, x}};
+template <int x>
+inline const void* splat_lanes() {
+    const void* p = kSplat<x>.v;
+    asm("" : "+r"(p));
+    return p;
+}
 
 #if defined(__AVX2__)
 struct V16 {
@@ -39,7 +46,7 @@ struct V16 {
     static V16 splat(int x) { return {_mm256_set1_epi16(int16_t(x))}; }
     template <int x>
     static V16 constant() {
-        return {_mm256_load_si256(reinterpret_cast<const __m256i*>(kSplat<x>.v))};
+        return {_mm256_load_si256(static_cast<const __m256i*>(splat_lanes<x>()))};
     }
     // 16 bytes widened.
     static V16 widen(__m128i b) { return {_mm256_cvtepu8_epi16(b)}; }
@@ -81,7 +88,7 @@ struct V16 {
     static V16 splat(int x) { return {_mm_set1_epi16(int16_t(x)), _mm_set1_epi16(int16_t(x))}; }
     template <int x>
     static V16 constant() {
-        const __m128i c = _mm_load_si128(reinterpret_cast<const __m128i*>(kSplat<x>.v));
+        const __m128i c = _mm_load_si128(static_cast<const __m128i*>(splat_lanes<x>()));
         return {c, c};
     }
     static V16 widen(__m128i b) {
@@ -230,7 +237,7 @@ struct StrengthBytes {
     __m128i normal, strong;
     explicit StrengthBytes(__m128i bs) {
         const __m128i up_to_3 = _mm_cmpeq_epi8(
-            _mm_min_epu8(bs, _mm_load_si128(reinterpret_cast<const __m128i*>(kSplat<0x0303>.v))), bs);
+            _mm_min_epu8(bs, _mm_load_si128(static_cast<const __m128i*>(splat_lanes<0x0303>()))), bs);
         normal = _mm_andnot_si128(_mm_cmpeq_epi8(bs, _mm_setzero_si128()), up_to_3);
         strong = _mm_xor_si128(up_to_3, _mm_cmpeq_epi8(bs, bs));
     }
