@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 
+// Internal to the library: hidden, so that code reaches them directly, not through the GOT.
+#pragma GCC visibility push(hidden)
 namespace kvt::h264 {
 
 // Dequantization factors v(QP % 6, class) << (QP / 6) for QP 0..51.
@@ -35,3 +37,4 @@ extern const std::array<uint8_t, 54> dc_rems;
 extern const std::array<uint8_t, 768> ClampTbl;
 
 }  // namespace kvt::h264
+#pragma GCC visibility pop

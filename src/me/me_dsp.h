@@ -95,7 +95,8 @@ void init_sqrdiff(MeDsp& d);
 
 void init_me_dsp(MeDsp& d, unsigned cpu_flags);
 
-// The one table the fronts of these families read (me_dsp.cpp), filled at load time.
-extern const LoadTimeTable<MeDsp, init_me_dsp> me_dsp;
+// The one table the fronts of these families read (me_dsp.cpp), filled at load time; hidden, so
+// that the fronts reach it directly, not through the GOT.
+extern const LoadTimeTable<MeDsp, init_me_dsp> me_dsp [[gnu::visibility("hidden")]];
 
 }  // namespace kvt
