@@ -70,10 +70,21 @@ inline __m256i op_min(__m256i a, __m256i b) { return _mm256_min_epi16(a, b); }
 inline __m256i op_max(__m256i a, __m256i b) { return _mm256_max_epi16(a, b); }
 inline __m256i op_gt(__m256i a, __m256i b) { return _mm256_cmpgt_epi16(a, b); }
 inline __m256i op_and(__m256i a, __m256i b) { return _mm256_and_si256(a, b); }
+inline __m256i op_not(__m256i a) { return _mm256_xor_si256(a, _mm256_cmpeq_epi16(a, a)); }
 inline __m256i op_avg(__m256i a, __m256i b) { return _mm256_avg_epu16(a, b); }
 inline __m256i op_absdiff(__m256i a, __m256i b) { return _mm256_abs_epi16(_mm256_sub_epi16(a, b)); }
-// m ? b : a (m all ones or all zeros per lane).
-inline V16 select(V16 m, V16 b, V16 a) { return {_mm256_blendv_epi8(a.v, b.v, m.v)}; }
+// m ? b : a (m all ones or all zeros per lane). In the AVX2 tier VPBLENDVB is written out: through
+// the intrinsic, GCC rebuilds the byte mask from the 16-bit one with an extra compare. (The AVX-512
+// build keeps the intrinsic, which leaves it all 32 registers.)
+inline V16 select(V16 m, V16 b, V16 a) {
+#if defined(__AVX512VL__) || !defined(__GNUC__)
+    return {_mm256_blendv_epi8(a.v, b.v, m.v)};
+#else
+    __m256i r;
+    asm("vpblendvb %3, %2, %1, %0" : "=x"(r) : "x"(a.v), "x"(b.v), "x"(m.v));
+    return {r};
+#endif
+}
 template <int n>
 inline V16 sra(V16 a) {
     return {_mm256_srai_epi16(a.v, n)};
@@ -110,6 +121,7 @@ inline __m128i op_min(__m128i a, __m128i b) { return _mm_min_epi16(a, b); }
 inline __m128i op_max(__m128i a, __m128i b) { return _mm_max_epi16(a, b); }
 inline __m128i op_gt(__m128i a, __m128i b) { return _mm_cmpgt_epi16(a, b); }
 inline __m128i op_and(__m128i a, __m128i b) { return _mm_and_si128(a, b); }
+inline __m128i op_not(__m128i a) { return _mm_xor_si128(a, _mm_cmpeq_epi16(a, a)); }
 inline __m128i op_avg(__m128i a, __m128i b) { return _mm_avg_epu16(a, b); }
 inline __m128i op_absdiff(__m128i a, __m128i b) {
     return _mm_or_si128(_mm_subs_epu16(a, b), _mm_subs_epu16(b, a));  // lanes hold 0..255
@@ -138,6 +150,9 @@ inline V16 operator-(V16 a, V16 b) {
 }
 inline V16 operator&(V16 a, V16 b) {
     return a.map(b, [](auto x, auto y) { return op_and(x, y); });
+}
+inline V16 operator~(V16 a) {
+    return a.map(a, [](auto x, auto) { return op_not(x); });
 }
 inline V16 min(V16 a, V16 b) {
     return a.map(b, [](auto x, auto y) { return op_min(x, y); });
@@ -204,18 +219,18 @@ KVT_INLINE void filter_luma(LumaLines& l, const EdgeLanes& e, bool any_normal, b
     }
 }
 
-// s[0..3] = p1, p0, q0, q1; results replace s[1..2]. tc = tc0 + 1; the strong filter only
-// averages p0 and q0 with their neighbours. Both filters are cheap enough to run unconditionally.
+// s[0..3] = p1, p0, q0, q1; results replace s[1..2]. Both filters run unconditionally and the
+// strong lanes take theirs by a select, so e.normal may include them (bS > 0 is enough). With
+// tc = tc0 + 1, -tc is ~tc0; the strong filter's 2 p1 + p0 + q1 + 2 is p1 + p0 + (p1 + q1 + 2),
+// whose last term q0' shares.
 KVT_INLINE void filter_chroma(V16 (&s)[4], const EdgeLanes& e) {
-    const V16 p1 = s[0], p0 = s[1], q0 = s[2], q1 = s[3], zero = V16::splat(0), two = V16::constant<2>();
-    const V16 on =
-        less(absdiff(p0, q0), e.alpha) & less(absdiff(p1, p0), e.beta) & less(absdiff(q1, q0), e.beta);
-    const V16 tc = e.tc0 + V16::constant<1>();
-    const V16 delta =
-        clip3(zero - tc, tc, sra<3>(sll<2>(q0 - p0) + (p1 - q1) + V16::constant<4>())) & on & e.normal;
-    const V16 m = on & e.strong;
-    s[1] = select(m, sra<2>(sll<1>(p1) + p0 + q1 + two), p0 + delta);
-    s[2] = select(m, sra<2>(sll<1>(q1) + q0 + p1 + two), q0 - delta);
+    const V16 p1 = s[0], p0 = s[1], q0 = s[2], q1 = s[3];
+    const V16 on = less(absdiff(p0, q0), e.alpha) & less(max(absdiff(p1, p0), absdiff(q1, q0)), e.beta);
+    const V16 d = sra<3>(sll<2>(q0 - p0) + (p1 - q1) + V16::constant<4>());
+    const V16 delta = clip3(~e.tc0, e.tc0 + V16::constant<1>(), d) & (on & e.normal);
+    const V16 t = p1 + q1 + V16::constant<2>(), m = on & e.strong;
+    s[1] = select(m, sra<2>(p1 + p0 + t), p0 + delta);
+    s[2] = select(m, sra<2>(q1 + q0 + t), q0 - delta);
 }
 
 // ---- Lanes from the argument bytes ------------------------------------------------------------------
@@ -386,10 +401,12 @@ KVT_INLINE void chroma_edges(const __m128i (&rows)[4], const uint8_t* alpha, con
                                            _mm_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1)));
     };
     const __m128i by_segment = _mm_setr_epi8(0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7);
-    const V16 b = V16::widen(_mm_shuffle_epi8(_mm_unpacklo_epi32(load4(bs), load4(bs + 8)), by_segment));
+    // Strengths of luma edges 0 and 2 (bytes 0..3 and 8..11 of the 16) by segment.
+    const V16 b = V16::widen(
+        _mm_shuffle_epi8(load16(bs), _mm_setr_epi8(0, 0, 1, 1, 2, 2, 3, 3, 8, 8, 9, 9, 10, 10, 11, 11)));
     const V16 three = V16::constant<3>();
-    const EdgeLanes lanes{pair(alpha), pair(beta), less(V16::splat(0), b) & less(b, V16::constant<4>()),
-                          less(three, b), V16::widen(_mm_shuffle_epi8(load8(tc0), by_segment))};
+    const EdgeLanes lanes{pair(alpha), pair(beta), less(V16::splat(0), b), less(three, b),
+                          V16::widen(_mm_shuffle_epi8(load8(tc0), by_segment))};
 #else
     const auto halves = [](int a, int b) {
         return V16::widen(_mm_unpacklo_epi64(_mm_set1_epi8(char(a)), _mm_set1_epi8(char(b))));
@@ -405,13 +422,15 @@ KVT_INLINE void chroma_edges(const __m128i (&rows)[4], const uint8_t* alpha, con
 // and 3, 4.
 [[maybe_unused]] KvtStatus chroma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
                                       const uint8_t* tc0, const uint8_t* bs) {
-    const intptr_t s = step;
-    __m128i rows[4];
-    for (int i = 0; i < 4; ++i) rows[i] = _mm_unpacklo_epi64(load8(p + (i - 2) * s), load8(p + (i + 2) * s));
+    // Rows from two bases, rows -2 and 2, plus 0 to 3 steps.
+    const intptr_t s = step, s3 = 3 * s;
+    const uint8_t *a = p - 2 * s, *b = a + 4 * s;
+    __m128i rows[4] = {load8x2(a, b), load8x2(a + s, b + s), load8x2(a + 2 * s, b + 2 * s),
+                       load8x2(a + s3, b + s3)};
     __m128i pq[2];
     chroma_edges(rows, alpha, beta, tc0, bs, pq);
     store8(p - s, pq[0]), store8_high(p, pq[0]);
-    store8(p + 3 * s, pq[1]), store8_high(p + 4 * s, pq[1]);
+    store8(p + s3, pq[1]), store8_high(p + 4 * s, pq[1]);
     return kvtStsOk;
 }
 

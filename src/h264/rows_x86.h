@@ -23,8 +23,13 @@ inline void store4(uint8_t* p, __m128i v) {
 }
 inline void store8(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
 inline void store16(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
-// The high 8 bytes (through a shuffle: the double-typed high store has no unaligned form).
-inline void store8_high(void* p, __m128i v) { store8(p, _mm_unpackhi_epi64(v, v)); }
+// The high 8 bytes (MOVHPS: an 8-byte store with no alignment needed; the double-typed form would
+// claim 8-byte alignment).
+inline void store8_high(void* p, __m128i v) { _mm_storeh_pi(static_cast<__m64*>(p), _mm_castsi128_ps(v)); }
+// Two 8-byte rows, the first in the low half (MOVQ, MOVHPS).
+inline __m128i load8x2(const void* lo, const void* hi) {
+    return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(load8(lo)), static_cast<const __m64*>(hi)));
+}
 
 // Two rows of W bytes: one register (W = 4: bytes 0..3 and 8..11; W = 8: 0..7 and 8..15; AVX2
 // W = 16: one row per half), or two (W = 16 without AVX2: a row each).
