@@ -73,18 +73,8 @@ inline __m256i op_and(__m256i a, __m256i b) { return _mm256_and_si256(a, b); }
 inline __m256i op_not(__m256i a) { return _mm256_xor_si256(a, _mm256_cmpeq_epi16(a, a)); }
 inline __m256i op_avg(__m256i a, __m256i b) { return _mm256_avg_epu16(a, b); }
 inline __m256i op_absdiff(__m256i a, __m256i b) { return _mm256_abs_epi16(_mm256_sub_epi16(a, b)); }
-// m ? b : a (m all ones or all zeros per lane). In the AVX2 tier VPBLENDVB is written out: through
-// the intrinsic, GCC rebuilds the byte mask from the 16-bit one with an extra compare. (The AVX-512
-// build keeps the intrinsic, which leaves it all 32 registers.)
-inline V16 select(V16 m, V16 b, V16 a) {
-#if defined(__AVX512VL__) || !defined(__GNUC__)
-    return {_mm256_blendv_epi8(a.v, b.v, m.v)};
-#else
-    __m256i r;
-    asm("vpblendvb %3, %2, %1, %0" : "=x"(r) : "x"(a.v), "x"(b.v), "x"(m.v));
-    return {r};
-#endif
-}
+// m ? b : a (m all ones or all zeros per lane).
+inline V16 select(V16 m, V16 b, V16 a) { return {_mm256_blendv_epi8(a.v, b.v, m.v)}; }
 template <int n>
 inline V16 sra(V16 a) {
     return {_mm256_srai_epi16(a.v, n)};
