@@ -7,6 +7,10 @@
 //
 //   taskset -c 1 build/release/bench/kvtvc-ticks-mc       (run 3 times, take the minimum)
 //
+// Rows ending in "kernel" time the kernel the exported function hands over to, called through a
+// pointer with its arguments ready, as the peer's rows are: the difference is the function's own
+// work (argument checks, reading the vector, the table jump).
+//
 // The last column names the peer row to compare with (put_no_rnd_* for rounding control 1):
 //   taskset -c 1 $CHECKASM --test=hpeldsp --bench='*pixels*' 1
 #include <x86intrin.h>
@@ -17,7 +21,9 @@
 #include <string>
 #include <vector>
 
+#include "common/cpu.h"
 #include "kvtvc.h"
+#include "mpeg4/recon_dsp.h"
 
 namespace {
 
@@ -73,7 +79,7 @@ int main() {
     const double overhead = timer_overhead();
 
     const auto row = [&](const std::string& name, const char* peer, auto call) {
-        std::printf("%-42s %6.1f   %s\n", name.c_str(), ticks(call, overhead), peer);
+        std::printf("%-46s  %6.1f   %s\n", name.c_str(), ticks(call, overhead), peer);
     };
     static const char* const kPhase[4] = {"ff", "hf", "fh", "hh"};
     static const char* const kPeer16[2][4] = {
@@ -82,17 +88,24 @@ int main() {
     static const char* const kPeer8[2][4] = {
         {"put_pixels8", "put_pixels8_x2", "put_pixels8_y2", "put_pixels8_xy2"},
         {"put_pixels8", "put_no_rnd_pixels8_x2", "put_no_rnd_pixels8_y2", "put_no_rnd_pixels8_xy2"}};
+    kvt::ReconDsp dsp{};
+    kvt::init_recon_dsp(dsp, kvt::cpu_flags());
     for (int n : {16, 8})
         for (int p = 0; p < 4; ++p)
             for (int rc = 0; rc < 2; ++rc) {
                 const KvtMotionVec mv = {int16_t(p & 1), int16_t(p >> 1)};
                 const std::string args = std::string(" ") + kPhase[p] + " rc" + std::to_string(rc);
+                const char* peer = (n == 16 ? kPeer16 : kPeer8)[rc][p];
                 if (n == 16)
-                    row("kvtiCopyMBHalfpel_MPEG4_8u" + args, kPeer16[rc][p],
+                    row("kvtiCopyMBHalfpel_MPEG4_8u" + args, peer,
                         [&] { kvtiCopyMBHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mv, rc); });
                 else
-                    row("kvtiCopyBlockHalfpel_MPEG4_8u" + args, kPeer8[rc][p],
+                    row("kvtiCopyBlockHalfpel_MPEG4_8u" + args, peer,
                         [&] { kvtiCopyBlockHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mv, rc); });
+                const kvt::PredictFn k = (n == 16 ? dsp.predict16 : dsp.predict8)[kvt::recon_index(p, rc)];
+                row(std::string(n == 16 ? "kvtiCopyMBHalfpel_MPEG4_8u" : "kvtiCopyBlockHalfpel_MPEG4_8u") +
+                        args + " kernel",
+                    peer, [&] { k(src, kStep, dst, kStep); });
             }
     row("kvtiCopyMB_H263_8u", "put_pixels16", [&] { kvtiCopyMB_H263_8u(src, dst, kStep); });
     row("kvtiCopyApproxHMB_H263_8u", "put_pixels16_x2", [&] { kvtiCopyApproxHMB_H263_8u(src, dst, kStep); });
@@ -111,6 +124,8 @@ int main() {
         [&] { kvtiAverageMB_MPEG4_8u(src, kStep, src2, kStep, dst, kStep); });
     row("kvtiAverageMB_MPEG4_8u_I", "avg_pixels16",
         [&] { kvtiAverageMB_MPEG4_8u_I(src, kStep, dst, kStep); });
+    row("kvtiAverageMB_MPEG4_8u_I kernel", "avg_pixels16",
+        [&] { dsp.average16(src, kStep, dst, kStep, dst, kStep); });
     row("kvtiAverageBlock_MPEG4_8u", "avg_pixels8 (dst is one source)",
         [&] { kvtiAverageBlock_MPEG4_8u(src, kStep, src2, kStep, dst, kStep); });
     row("kvtiAverageBlock_MPEG4_8u_I", "avg_pixels8",
