@@ -37,6 +37,19 @@ struct TierInfo {
 // The tiers built into this binary that this processor runs, C first.
 const std::vector<TierInfo>& runnable_tiers();
 
+// The table the library uses on this processor.
+template <class Dsp>
+Dsp table_in_use(void (*init)(Dsp&, unsigned)) {
+    Dsp d{};
+    init(d, cpu_flags());
+    return d;
+}
+
+// n pseudo-random bytes (a fixed linear congruential sequence from `seed`, high byte of each step).
+inline void fill_random(uint8_t* p, size_t n, uint32_t seed) {
+    for (size_t i = 0; i < n; ++i) p[i] = uint8_t((seed = seed * 1103515245u + 12345u) >> 24);
+}
+
 // One row per kernel slot: `slot` names the kernel a table holds (so tiers that add nothing to
 // it are skipped), `body` times it from a table.
 template <class Dsp>
@@ -85,8 +98,31 @@ double ticks_per_ns();
 // The mean cost of two back-to-back stamps: the mean of the middle half of 10000 pairs.
 double stamp_overhead();
 
+// Ticks per call of sample(k) for k = 0..1023, where sample makes four calls (so that rows can
+// give each call its own inputs: a block written by one call must not feed the next); restore()
+// runs before each sample, outside the timed region (for kernels that change their input).
+template <class Sample, class Restore>
+double checkasm_sample_ticks(Sample&& sample, Restore&& restore) {
+    uint64_t sum = 0, kept = 0;
+    for (unsigned i = 0; i < 1024; ++i) {
+        restore();
+        const uint64_t t0 = stamp();
+        sample(i);
+        const uint64_t t = stamp() - t0;
+        if (i > 0 && t * kept <= sum * 4) sum += t, ++kept;
+    }
+    const double ticks = kept ? double(sum) / double(kept) - stamp_overhead() : 0.0;
+    return ticks > 0 ? ticks / 4 : 0.0;
+}
+template <class Sample>
+double checkasm_sample_ticks(Sample&& sample) {
+    return checkasm_sample_ticks(sample, [] {});
+}
+
 // Ticks per call of call(), the checkasm way. As there, the arguments should be values the
 // compiler keeps in registers (not loaded through a pointer after each call).
+// (Its own loop: called through a sample lambda, the compiler reloads the captured arguments
+// between calls and the figure grows by up to 30%.)
 template <class Call>
 double checkasm_ticks(Call&& call) {
     constexpr int kSamples = 1024;
@@ -102,6 +138,12 @@ double checkasm_ticks(Call&& call) {
     }
     const double ticks = kept ? double(sum) / double(kept) - stamp_overhead() : 0.0;
     return ticks > 0 ? ticks / 4 : 0.0;
+}
+
+// One row "<function>/<arguments>/<kernel|front>" of the table with its checkasm column.
+inline void add_ticks_row(const std::string& name, std::function<double()> measure) {
+    const size_t slash = name.find('/');
+    add_checkasm_column(name.substr(0, slash), name.substr(slash + 1), std::move(measure));
 }
 
 }  // namespace kvt::bench

@@ -7,9 +7,7 @@
 #include <vector>
 
 #include "bench.h"
-#include "common/cpu.h"
 #include "h264/deblock_dsp.h"
-#include "h264_ticks.h"
 
 using namespace kvt;
 using namespace kvt::bench;
@@ -65,13 +63,11 @@ void row(const char* function, DeblockFn DeblockDsp::*slot, const Config& c) {
     // As the peer's smooth-edge rows: four calls a sample, each on its own copy of the picture,
     // the copies restored before every sample.
     add_checkasm_column(function, c.name, [slot, &c] {
-        DeblockDsp d{};
-        init_deblock_dsp(d, cpu_flags());
-        const DeblockFn k = d.*slot;
+        const DeblockFn k = table_in_use(init_deblock_dsp).*slot;
         Picture pic;
         static const uint8_t alpha[2] = {40, 40}, beta[2] = {10, 10},
                              tc0[16] = {2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2};
-        return h264ticks::checkasm_ticks(
+        return checkasm_sample_ticks(
             [&](unsigned) {
                 for (uint8_t* mb : pic.mb) k(mb, kStep, alpha, beta, tc0, c.bs);
             },

@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "bench.h"
-#include "common/cpu.h"
 #include "h264/interp_dsp.h"
 #include "h264/weight_dsp.h"
-#include "h264_ticks.h"
 
 using namespace kvt;
 using namespace kvt::bench;
@@ -25,8 +23,7 @@ struct Frame {
     uint8_t* base;
     Frame() {
         base = storage.data() + (64 - reinterpret_cast<uintptr_t>(storage.data()) % 64) % 64;
-        uint32_t x = 12345;
-        for (int i = 0; i < 2 * kStep * 64; ++i) base[i] = uint8_t((x = x * 1103515245u + 12345u) >> 24);
+        fill_random(base, 2 * kStep * 64, 12345);
     }
     const uint8_t* src() const { return base + 16 * kStep + 16; }
     uint8_t* dst() const { return base + 64 * kStep; }
@@ -35,14 +32,6 @@ struct Frame {
 const Frame& frame() {
     static const Frame f;
     return f;
-}
-
-// The table in use on this processor.
-template <class Dsp>
-Dsp in_use(void (*init)(Dsp&, unsigned)) {
-    Dsp d{};
-    init(d, cpu_flags());
-    return d;
 }
 
 // The checkasm columns time the kernel in use in the peer's layouts: its h264qpel test keeps
@@ -54,12 +43,8 @@ struct PeerBuffers {
     alignas(16) uint8_t plane[64 * 24];
     alignas(16) uint8_t blocks[4][64 * 16];  // one per call of a sample: in-place kernels
     PeerBuffers() {
-        uint32_t x = 777;
-        const auto fill = [&x](uint8_t* b, size_t n) {
-            for (size_t i = 0; i < n; ++i) b[i] = uint8_t((x = x * 1103515245u + 12345u) >> 24);
-        };
-        fill(src, sizeof src), fill(dst, sizeof dst), fill(plane, sizeof plane);
-        fill(blocks[0], sizeof blocks);
+        fill_random(src, sizeof src, 777), fill_random(dst, sizeof dst, 778);
+        fill_random(plane, sizeof plane, 779), fill_random(blocks[0], sizeof blocks, 780);
     }
 };
 
@@ -79,7 +64,7 @@ void luma_rows(int w, int h) {
                 }
             });
         add_checkasm_column("kvtiInterpolateLuma_H264", args, [w, h, pos] {
-            const auto k = luma_kernel(in_use(init_interp_dsp), w, h, pos);
+            const auto k = luma_kernel(table_in_use(init_interp_dsp), w, h, pos);
             PeerBuffers b;
             const uint8_t* const src = b.src + 96;
             return checkasm_ticks([&] { k(src, w, b.dst, w, h); });
@@ -103,7 +88,7 @@ void chroma_row(int w, int h, int dx, int dy) {
             }
         });
     add_checkasm_column("kvtiInterpolateChroma_H264", args, [wc, h, dx, dy] {
-        const auto k = in_use(init_interp_dsp).chroma[wc];
+        const auto k = table_in_use(init_interp_dsp).chroma[wc];
         PeerBuffers b;
         const uint8_t* const src = b.plane + 8 * 64 + 16;
         return checkasm_ticks([&] { k(src, 64, b.dst, 64, dx, dy, h); });
@@ -127,9 +112,9 @@ void weight_row(int w, int h) {
         });
     // In place: each of a sample's four calls on its own block, as the peer's biweight rows.
     add_checkasm_column("kvtiWeightedAverage_H264", args, [slot, h] {
-        const auto k = in_use(init_weight_dsp).average_small[slot];
+        const auto k = table_in_use(init_weight_dsp).average_small[slot];
         PeerBuffers b;
-        return h264ticks::checkasm_ticks([&](unsigned) {
+        return checkasm_sample_ticks([&](unsigned) {
             for (int j = 0; j < 4; ++j) k(b.plane, b.blocks[j], 64, 40, -12, 6, -3, h);
         });
     });

@@ -7,7 +7,6 @@
 #include "bench.h"
 #include "common/cpu.h"
 #include "h264/intra_pred_dsp.h"
-#include "h264_ticks.h"
 #include "kvtvc.h"
 
 using namespace kvt;
@@ -21,10 +20,7 @@ constexpr unsigned kAll = kNbUpper | kNbLeft | kNbCorner | kNbUpperRight;
 // One plane per row, the block at (16, 16) of random samples.
 struct Plane {
     std::vector<uint8_t> buf = std::vector<uint8_t>(kStep * 48);
-    Plane() {
-        uint32_t x = 2024;
-        for (uint8_t& v : buf) v = uint8_t((x = x * 1103515245u + 12345u) >> 24);
-    }
+    Plane() { fill_random(buf.data(), buf.size(), 2024); }
     uint8_t* block() { return buf.data() + 16 * kStep + 16; }
 };
 
@@ -49,31 +45,26 @@ using Front = KvtStatus (*)(Kvt8u*, int, int, Kvt32u);
 // block 64 bytes in, at a step of 12 (4x4), 24 (chroma 8x8) or 48 (16x16).
 struct PeerPlane {
     alignas(16) uint8_t buf[3 * 16 * 17];
-    PeerPlane() {
-        uint32_t x = 2024;
-        for (uint8_t& v : buf) v = uint8_t((x = x * 1103515245u + 12345u) >> 24);
-    }
+    PeerPlane() { fill_random(buf, sizeof buf, 2024); }
     uint8_t* block() { return buf + 64; }
 };
 
-// The kernel in use and the exported function, timed the checkasm way (h264_ticks.h) in the
+// The kernel in use and the exported function, timed the checkasm way (bench.h) in the
 // peer's layout.
 template <Front front, class Slot>
 void ticks_rows(const std::string& fn, const std::string& args, int mode, int step, Slot slot) {
     const std::string name = fn + "/" + args;
-    h264ticks::add_ticks_row(name + "/kernel", [slot, step] {
+    add_ticks_row(name + "/kernel", [slot, step] {
         PeerPlane p;
-        IntraPredDsp d{};
-        init_intra_pred_dsp(d, cpu_flags());
-        IntraPredFn k = slot(d);
+        IntraPredFn k = slot(table_in_use(init_intra_pred_dsp));
         uint8_t* b = p.block();
         benchmark::DoNotOptimize(k);
-        return h264ticks::checkasm_ticks([&](unsigned) { k(b, step), k(b, step), k(b, step), k(b, step); });
+        return checkasm_sample_ticks([&](unsigned) { k(b, step), k(b, step), k(b, step), k(b, step); });
     });
-    h264ticks::add_ticks_row(name + "/front", [mode, step] {
+    add_ticks_row(name + "/front", [mode, step] {
         PeerPlane p;
         uint8_t* b = p.block();
-        return h264ticks::checkasm_ticks([&](unsigned) {
+        return checkasm_sample_ticks([&](unsigned) {
             front(b, step, mode, kAll), front(b, step, mode, kAll), front(b, step, mode, kAll),
                 front(b, step, mode, kAll);
         });

@@ -9,7 +9,6 @@
 #include "h264/quant_dsp.h"
 #include "h264/tables.h"
 #include "h264/transform_dsp.h"
-#include "h264_ticks.h"
 #include "kvtvc.h"
 
 using namespace kvt;
@@ -66,24 +65,23 @@ void forward(const std::string& fn, const std::string& args, Slot slot, Call cal
 }
 
 // The residual with add, kernel in use and exported function, timed the checkasm way
-// (h264_ticks.h): the prediction in place in the destination, as FFmpeg's h264_idct4_add
+// (bench.h): the prediction in place in the destination, as FFmpeg's h264_idct4_add
 // works; four calls a sample on four of the eight sets (each call writes its block).
 void ticks_rows(const std::string& args, bool ac) {
     const std::string name = "kvtiDequantTransformResidualAndAdd_H264_16s_C1I/" + args;
-    h264ticks::add_ticks_row(name + "/kernel", [ac] {
+    add_ticks_row(name + "/kernel", [ac] {
         Sets s;
-        TransformDsp d{};
-        init_transform_dsp(d, cpu_flags());
+        const TransformDsp d = table_in_use(init_transform_dsp);
         ResidualAddFn k = ac ? d.residual_add : d.residual_dc_add;
         benchmark::DoNotOptimize(k);
-        return h264ticks::checkasm_ticks([&](unsigned i) {
+        return checkasm_sample_ticks([&](unsigned i) {
             Data* b = s.set + (i & 1) * 4;
             for (int j = 0; j < 4; ++j) k(b[j].dst, b[j].c, kFactors, b[j].dst, 16, 16);
         });
     });
-    h264ticks::add_ticks_row(name + "/front", [ac] {
+    add_ticks_row(name + "/front", [ac] {
         Sets s;
-        return h264ticks::checkasm_ticks([&](unsigned i) {
+        return checkasm_sample_ticks([&](unsigned i) {
             Data* b = s.set + (i & 1) * 4;
             for (int j = 0; j < 4; ++j)
                 kvtiDequantTransformResidualAndAdd_H264_16s_C1I(b[j].dst, b[j].c, nullptr, b[j].dst, 16, 16,
@@ -95,13 +93,11 @@ void ticks_rows(const std::string& args, bool ac) {
 // The luma DC transform in use, four calls a sample on four blocks restored before each sample
 // (it works in place; the peer's h264_luma_dc_dequant_idct writes a separate output).
 void luma_dc_ticks_row() {
-    h264ticks::add_ticks_row("kvtiTransformDequantLumaDC_H264_16s_C1I/QP 28/kernel", [] {
+    add_ticks_row("kvtiTransformDequantLumaDC_H264_16s_C1I/QP 28/kernel", [] {
         Sets s;
-        TransformDsp d{};
-        init_transform_dsp(d, cpu_flags());
-        const auto k = d.luma_dc;
+        const auto k = table_in_use(init_transform_dsp).luma_dc;
         alignas(16) int16_t blocks[4][16];
-        return h264ticks::checkasm_ticks(
+        return checkasm_sample_ticks(
             [&](unsigned) {
                 for (auto& b : blocks) k(b, kQP);
             },

@@ -23,8 +23,7 @@ struct Frame {
     uint8_t* base;
     Frame() {
         base = storage.data() + (64 - reinterpret_cast<uintptr_t>(storage.data()) % 64) % 64;
-        uint32_t x = 12345;
-        for (int i = 0; i < kStep * 64; ++i) base[i] = uint8_t((x = x * 1103515245u + 12345u) >> 24);
+        fill_random(base, kStep * 64, 12345);
     }
     const uint8_t* cur() const { return base + 16 * kStep + 16; }
     const uint8_t* ref() const { return base + 17 * kStep + 19; }
@@ -50,18 +49,10 @@ Body timed(Op op) {
 
 const char* const kPhase[4] = {"ff", "fh", "hf", "hh"};
 
-// The table the library uses on this processor.
-template <class Dsp>
-std::shared_ptr<const Dsp> in_use(void (*init)(Dsp&, unsigned)) {
-    auto d = std::make_shared<Dsp>();
-    init(*d, cpu_flags());
-    return d;
-}
-
 // Times one SAD slot on the frame's blocks; `cur_offset` 1 makes the current block unaligned.
 template <class Slot>
 void sad_row(const std::string& fn, const std::string& args, Slot slot, int cur_offset = 0) {
-    add_checkasm_column(fn, args, [k = slot(*in_use(init_sad_dsp)), cur_offset] {
+    add_checkasm_column(fn, args, [k = slot(table_in_use(init_sad_dsp)), cur_offset] {
         const uint8_t *const c = frame().cur() + cur_offset, *const r = frame().ref();
         const auto kernel = k;
         int32_t s;
@@ -132,7 +123,7 @@ void me_row(const std::string& fn, const std::string& args, Slot slot, Call call
 void phase_rows() {
     for (int ph = 0; ph < 4; ++ph) {
         const std::string p = std::string("phase ") + kPhase[ph];
-        add_checkasm_column("kvtiSqrDiff16x16_8u32s", p, [k = in_use(init_me_dsp)->sqrdiff16[ph]] {
+        add_checkasm_column("kvtiSqrDiff16x16_8u32s", p, [k = table_in_use(init_me_dsp).sqrdiff16[ph]] {
             const uint8_t *const c = frame().cur(), *const r = frame().ref();
             const auto kernel = k;
             int32_t s;
