@@ -26,7 +26,7 @@ KvtStatus kvtiSAD16x16_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* 
 KvtStatus kvtiSAD8x8_8u32s_C1R(const Kvt8u* pSrcCur, int srcCurStep, const Kvt8u* pSrcRef, int srcRefStep,
                                Kvt32s* pDstSAD, int mcType) {
     if (!pSrcCur || !pSrcRef) return kvtStsNullPointer;
-    const int phase = mcType == kMcFull ? 0 : mcType == kMcVertHalf ? 1 : mcType == kMcHorHalf ? 2 : 3;
+    const int phase = (mcType & ~kMcPhaseBits) ? 3 : mcType >> 2;  // 0, 4, 8, 12 or both halves
     return dsp.sad8[phase](pSrcCur, srcCurStep, pSrcRef, srcRefStep, pDstSAD);
 }
 
