@@ -1,7 +1,5 @@
 // Fronts of H.263 / MPEG-4 prediction and reconstruction: check what each function checks, then
 // run one kernel chosen by size, phase and rounding control.
-#include <cstring>
-
 #include "common/arith.h"
 #include "common/kernel.h"
 #include "kvtvc.h"
@@ -21,25 +19,17 @@ KvtStatus h263_copy(const Kvt8u* src, Kvt8u* dst, int step, KvtStatus short_step
 }
 
 // A half-sample vector as its kernel slot and the byte offset of its whole-sample part from the
-// block (odd negative components round down). On little-endian targets both come from one 32-bit
-// load (dx the low half, dy the high half): the fewest instructions between the vector and the
-// first sample the kernel reads.
+// block (odd negative components round down). The components are read one by one: a decoder
+// usually has just stored them one by one, and a single 32-bit load of two separate 16-bit stores
+// cannot take its data from the store buffer, so it would wait for both stores to reach the cache.
 struct HalfVector {
     int slot;
     intptr_t offset;
 };
 inline intptr_t asr_ptr(intptr_t v, int s) { return v >= 0 ? v >> s : ~(~v >> s); }
 inline HalfVector half_vector(const KvtMotionVec* mv, int step, int rc) {
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-    int32_t v;
-    std::memcpy(&v, mv, 4);
-    // recon_index(phase, rc != 0) with the odd bits of dy and dx moved straight to their places.
-    const int slot = (v >> 14 & 4) + (v & 1) * 2 + (rc != 0);
-    return {slot, asr_ptr(int16_t(v), 1) + asr_ptr(v, 17) * step};
-#else
-    const int phase = (mv->dy & 1) * 2 | (mv->dx & 1);
-    return {recon_index(phase, rc != 0), asr_ptr(mv->dx, 1) + asr_ptr(mv->dy, 1) * step};
-#endif
+    const int dx = mv->dx, dy = mv->dy;
+    return {recon_index((dy & 1) * 2 | (dx & 1), rc != 0), asr_ptr(dx, 1) + asr_ptr(dy, 1) * step};
 }
 }  // namespace
 
