@@ -24,14 +24,16 @@ inline void store4(uint8_t* p, __m128i v) {
     std::memcpy(p, &x, 4);
 }
 
-// PAVGB is (a + b + 1) >> 1; r = 1 takes off the half that an odd a + b rounded up.
+inline __m128i complement(__m128i v) { return _mm_xor_si128(v, _mm_set1_epi8(-1)); }
+
+// PAVGB is (a + b + 1) >> 1; with r = 1, (a + b) >> 1 = ~PAVGB(~a, ~b), since
+// 255 - ((510 - a - b + 1) >> 1) rounds the same sum down.
 template <int r>
 inline __m128i avg2(__m128i a, __m128i b) {
-    const __m128i up = _mm_avg_epu8(a, b);
     if constexpr (r == 0)
-        return up;
+        return _mm_avg_epu8(a, b);
     else
-        return _mm_sub_epi8(up, _mm_and_si128(_mm_xor_si128(a, b), _mm_set1_epi8(1)));
+        return complement(_mm_avg_epu8(complement(a), complement(b)));
 }
 
 // The average of a horizontal pair and whether its sum was odd: half of a both-halves
@@ -120,7 +122,7 @@ public:
         if constexpr (half_v && half_h)
             prev_ = pair(load_row<W>(a_[0]), load_row<W>(b_[0]));
         else if constexpr (half_v)
-            prev_.avg = load_row<W>(a_[0]);
+            prev_.avg = vertical_row(0);
     }
 
     // The prediction of row y.
@@ -131,8 +133,11 @@ public:
             return avg2<r>(load_row<W>(a_[y]), load_row<W>(b_[y]));
         } else if constexpr (!half_h) {
             const __m128i top = prev_.avg;
-            prev_.avg = load_row<W>(a_[y + 1]);
-            return avg2<r>(top, prev_.avg);
+            prev_.avg = vertical_row(y + 1);
+            if constexpr (r == 0)
+                return avg2<0>(top, prev_.avg);
+            else
+                return complement(_mm_avg_epu8(top, prev_.avg));
         } else {
             const Pair top = prev_;
             prev_ = pair(load_row<W>(a_[y + 1]), load_row<W>(b_[y + 1]));
@@ -141,6 +146,16 @@ public:
     }
 
 private:
+    // Row y of a vertical half; with r = 1 kept complemented (see avg2), so that each row is
+    // complemented once for the two outputs it takes part in.
+    __m128i vertical_row(int y) const {
+        const __m128i v = load_row<W>(a_[y]);
+        if constexpr (r == 0)
+            return v;
+        else
+            return complement(v);
+    }
+
     Rows<const uint8_t> a_, b_;
     Pair prev_{};
 };
