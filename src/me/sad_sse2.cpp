@@ -1,6 +1,5 @@
 // SSE2 SAD kernels: PSADBW on byte predictions (halfpel_sse2.h gives the exact fixed rounding).
 #include "common/kernel.h"
-#include "common/mmx_x86.h"
 #include "me/sad_dsp.h"
 #include "me/sad_simd.h"
 
@@ -68,12 +67,6 @@ KvtStatus blocks4x4(const uint8_t* cur, int cur_step, const uint8_t* ref, int re
     return kvtStsOk;
 }
 
-// The horizontal half on MMX registers, whose PAVGB and PSADBW read their rows from memory.
-KvtStatus sad_8x8_half_h(const uint8_t* cur, int cur_step, const uint8_t* ref, int ref_step, int32_t* sad) {
-    *sad = mmx::sad8x8_half_h(cur, cur_step, ref, ref_step);
-    return kvtStsOk;
-}
-
 }  // namespace
 
 // The 4x4 SAD and the 16x16 vertical half with an unaligned current block (whose rows SSE2
@@ -85,7 +78,6 @@ void init_sad(SadDsp& d) {
     if (!kScalarC) d.sad16[1] = keep;
     fill_slots(d.sad16_a16, [](auto p) { return sad_16x16<decltype(p)::value * 4, true>; });
     fill_slots(d.sad8, [](auto p) { return sad_8x8<decltype(p)::value * 4>; });
-    d.sad8[kMcHorHalf / 4] = sad_8x8_half_h;
     if (kScalarC) d.sad4 = sad_4x4;
     d.blocks8x8 = blocks8x8;
     d.blocks4x4 = blocks4x4;
