@@ -1,8 +1,8 @@
 // AVX2 tier of H.263 / MPEG-4 prediction and reconstruction: the kernels of recon_simd.h built
 // with VEX encoding, installed only where that gains 10% or more (loads fold into the averages
-// and the widening): the copies at both halves, the 16x16 copy at the horizontal half with
-// rounding 1, the 16x16 reconstruction and the 8x8 reconstructions except at both halves and the
-// vertical half with rounding 0.
+// and the widening): the copies at both halves, the 16x16 copies at one half with rounding 1,
+// the 16x16 reconstruction and the 8x8 reconstructions except at both halves and the vertical
+// half with rounding 0.
 #include "mpeg4/recon_simd.h"
 
 namespace kvt::avx2 {
@@ -11,7 +11,7 @@ namespace {
 
 template <int n>
 constexpr bool vex_pays(int slot) {
-    return slot / 2 == 3 || (n == 16 && slot == recon_index(1, 1));
+    return slot / 2 == 3 || (n == 16 && (slot == recon_index(1, 1) || slot == recon_index(2, 1)));
 }
 constexpr bool vex_pays_recon(int slot) { return slot / 2 != 3 && slot != recon_index(2, 0); }
 
