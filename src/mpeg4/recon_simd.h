@@ -55,16 +55,5 @@ template <int phase, int r>
     return kvtStsOk;
 }
 
-template <int n>
-[[gnu::flatten]] KvtStatus average(const uint8_t* a, int a_step, const uint8_t* b, int b_step, uint8_t* dst,
-                                   int dst_step) {
-    const Rows<const uint8_t> in_a(a, a_step), in_b(b, b_step);
-    const Rows<uint8_t> out(dst, dst_step);
-#pragma GCC unroll 16
-    for (int y = 0; y < n; ++y)
-        store_row<n>(out[y], _mm_avg_epu8(load_row<n>(in_a[y]), load_row<n>(in_b[y])));
-    return kvtStsOk;
-}
-
 }  // namespace
 }  // namespace kvt
