@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "common/kernel.h"
+#include "core/copy_short_x86.h"
 #include "core/vector_dsp.h"
 
 namespace kvt::avx2 {
@@ -98,39 +99,6 @@ inline void copy128(const uint8_t* s, uint8_t* d) {
     store32(d + 96, e);
 }
 
-// 1 to 64 bytes: all loads, then the (overlapping) stores.
-inline void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
-    if (n >= 32) {  // 16-byte moves: two 32-byte ones are slower here (Zen 4)
-        const __m128i a = load16(src), b = load16(src + 16), c = load16(src + n - 32),
-                      d = load16(src + n - 16);
-        store16(dst, a);
-        store16(dst + 16, b);
-        store16(dst + n - 32, c);
-        store16(dst + n - 16, d);
-    } else if (n >= 16) {
-        const __m128i a = load16(src), b = load16(src + n - 16);
-        store16(dst, a);
-        store16(dst + n - 16, b);
-    } else if (n >= 8) {
-        uint64_t a, b;
-        std::memcpy(&a, src, 8);
-        std::memcpy(&b, src + n - 8, 8);
-        std::memcpy(dst, &a, 8);
-        std::memcpy(dst + n - 8, &b, 8);
-    } else if (n >= 4) {
-        uint32_t a, b;
-        std::memcpy(&a, src, 4);
-        std::memcpy(&b, src + n - 4, 4);
-        std::memcpy(dst, &a, 4);
-        std::memcpy(dst + n - 4, &b, 4);
-    } else {
-        const uint8_t a = src[0], b = src[n / 2], c = src[n - 1];
-        dst[0] = a;
-        dst[n / 2] = b;
-        dst[n - 1] = c;
-    }
-}
-
 inline void copy_mid(const uint8_t* src, uint8_t* dst, size_t n) {
     if (n <= 128) {
         const __m256i a = load32(src), b = load32(src + 32), c = load32(src + n - 64),
@@ -188,7 +156,7 @@ KvtStatus zero_16s(int16_t* dst, int len) {
 KvtStatus copy_8u(const uint8_t* src, uint8_t* dst, int len) {
     const size_t n = size_t(len);
     if (n <= kShortMax)
-        copy_short(src, dst, n);
+        simd::copy_short(src, dst, n);
     else if (n <= kMidMax)
         copy_mid(src, dst, n);
     else

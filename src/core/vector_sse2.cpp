@@ -1,6 +1,7 @@
 // SSE2 kernels of the vector helpers.
 #include "common/kernel.h"
 #include "common/simd.h"
+#include "core/copy_short_x86.h"
 #include "core/vector_dsp.h"
 
 namespace kvt::sse2 {
@@ -91,27 +92,6 @@ void copy_stream(const uint8_t* src, uint8_t* dst, size_t n) {
     _mm_sfence();
     store(dst, head);
     store(end - 16, tail);
-}
-
-// Up to 64 bytes: all loads first, then overlapping stores.
-void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
-    if (n >= 32) {
-        const __m128i a = load(src), b = load(src + 16), c = load(src + n - 32), d = load(src + n - 16);
-        store(dst, a);
-        store(dst + 16, b);
-        store(dst + n - 32, c);
-        store(dst + n - 16, d);
-    } else if (n >= 16) {
-        const __m128i a = load(src), b = load(src + n - 16);
-        store(dst, a);
-        store(dst + n - 16, b);
-    } else if (n >= 8) {
-        const __m128i a = load8(src), b = load8(src + n - 8);
-        store8(dst, a);
-        store8(dst + n - 8, b);
-    } else {
-        for (size_t i = 0; i < n; ++i) dst[i] = src[i];
-    }
 }
 
 // Every byte fill; `stream` when the whole job is large enough to bypass the cache.
