@@ -94,21 +94,6 @@ double ticks_per_ns() {
     return rate;
 }
 
-double stamp_overhead() {
-    static const double overhead = [] {
-        std::vector<uint64_t> t(10000);
-        for (uint64_t& v : t) {
-            const uint64_t s = stamp();
-            v = stamp() - s;
-        }
-        std::sort(t.begin(), t.end());
-        double sum = 0;
-        for (size_t i = 2500; i < 7500; ++i) sum += double(t[i]);
-        return sum / 5000;
-    }();
-    return overhead;
-}
-
 void set_used(const std::string& function, const std::string& args, const std::string& tier) {
     registry().row(function, args).used = tier;
 }

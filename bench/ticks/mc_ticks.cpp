@@ -1,8 +1,6 @@
 // kvtvc-ticks-mc: the exported prediction, averaging and reconstruction functions timed the way
-// FFmpeg's checkasm (with the mean-of-samples figure) times its DSP functions, so that the two figures
-// can be set side by side: a sample is 4 calls between two `lfence; rdtsc` stamps, 1024 samples,
-// the first sample and every sample above 4x the running mean are dropped, the timer overhead is
-// subtracted and the mean is divided by 4. TSC ticks per call. The buffers are laid out as the
+// FFmpeg's checkasm (with the mean-of-samples figure) times its DSP functions (checkasm_timing.h),
+// so that the two figures can be set side by side. TSC ticks per call. The buffers are laid out as the
 // peer's hpeldsp test lays out its own: 16-byte aligned, step 64, source 8 rows and 16 samples in.
 //
 //   taskset -c 1 build/release/bench/kvtvc-ticks-mc       (run 3 times, take the minimum)
@@ -13,55 +11,18 @@
 //
 // The last column names the peer row to compare with (put_no_rnd_* for rounding control 1):
 //   taskset -c 1 $CHECKASM --test=hpeldsp --bench='*pixels*' 1
-#include <x86intrin.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "checkasm_timing.h"
 #include "common/cpu.h"
 #include "kvtvc.h"
 #include "mpeg4/recon_dsp.h"
 
 namespace {
-
-inline uint64_t stamp() {
-    _mm_lfence();
-    return __rdtsc();
-}
-
-double timer_overhead() {
-    std::vector<uint64_t> t(10000);
-    for (auto& x : t) {
-        const uint64_t t0 = stamp();
-        x = stamp() - t0;
-    }
-    std::sort(t.begin(), t.end());
-    double sum = 0;
-    for (size_t i = t.size() / 4; i < t.size() * 3 / 4; ++i) sum += double(t[i]);
-    return sum / double(t.size() / 2);
-}
-
-template <class Call>
-double ticks(Call call, double overhead) {
-    double sum = 0;
-    uint64_t count = 0;
-    for (int i = 0; i < 1024; ++i) {
-        const uint64_t t0 = stamp();
-        call();
-        call();
-        call();
-        call();
-        const uint64_t t = stamp() - t0;
-        if (i > 0 && double(t) * double(count) <= sum * 4) {
-            sum += double(t);
-            ++count;
-        }
-    }
-    return (sum / double(count) - overhead) / 4;
-}
 
 alignas(4096) uint8_t plane[4 * 4096];
 alignas(32) int16_t residual[1024];
@@ -76,10 +37,9 @@ int main() {
         src_plane[i] = uint8_t(40 + 2 * (i % kStep) + i / kStep + (i * 7) % 16);
     for (int i = 0; i < 1024; ++i) residual[i] = int16_t((i * 37) % 200 - 100);
     const uint8_t* const src = src_plane + 8 * kStep + 16;
-    const double overhead = timer_overhead();
 
     const auto row = [&](const std::string& name, const char* peer, auto call) {
-        std::printf("%-46s  %6.1f   %s\n", name.c_str(), ticks(call, overhead), peer);
+        std::printf("%-46s  %6.1f   %s\n", name.c_str(), kvt::bench::checkasm_ticks(call), peer);
     };
     static const char* const kPhase[4] = {"ff", "hf", "fh", "hh"};
     static const char* const kPeer16[2][4] = {
