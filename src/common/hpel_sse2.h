@@ -16,6 +16,7 @@ namespace {
 
 using simd::load4;
 using simd::load8;
+using simd::opaque;
 using simd::store8;
 inline __m128i load16(const uint8_t* p) { return simd::load(p); }
 inline void store16(uint8_t* p, __m128i v) { simd::store(p, v); }
@@ -81,22 +82,14 @@ inline void store_row(uint8_t* p, __m128i v) {
         store4(p, v);
 }
 
-// Hides v from the optimiser, which would otherwise rebuild three steps from the others and each row
-// address from the one before it: a chain of additions that the last rows wait on.
-template <class T>
-inline T opaque(T v) {
-#if defined(__GNUC__)
-    __asm__("" : "+r"(v));
-#endif
-    return v;
-}
-
 // The rows of a block at p with step s: row y (a constant once the loops are unrolled) is a group
 // base, p plus 0, 4, 8 or 12 steps, plus 0 to 4 steps, which the load or store addresses itself. Each group
 // base is one instruction from the arguments.
 template <class T>
 class Rows {
 public:
+    // The step times 3 hidden from the optimiser, which would otherwise rebuild each row address
+    // from the one before it: a chain of additions that the last rows wait on.
     Rows(T* p, intptr_t s) : p_(p), s_(s), s3_(opaque(3 * s)) {}
 
     // y from 0 to 16 (the row below a 16-row block is group 12 plus 4 steps).

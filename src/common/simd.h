@@ -47,5 +47,22 @@ inline int32_t hsum_sad(__m128i v) { return _mm_cvtsi128_si32(_mm_add_epi32(v, _
 
 inline bool is_aligned16(const void* p) { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; }
 
+// v, as a value the optimiser knows nothing about (in a general or a vector register): where it
+// would rebuild a value from others it knows, e.g. row addresses as a chain of additions, or byte
+// shifts of a vector whose upper half it knows as shuffles through memory.
+template <class T>
+inline T opaque(T v) {
+#if defined(__GNUC__)
+    __asm__("" : "+r"(v));
+#endif
+    return v;
+}
+inline __m128i opaque(__m128i v) {
+#if defined(__GNUC__)
+    __asm__("" : "+x"(v));
+#endif
+    return v;
+}
+
 }  // namespace
 }  // namespace kvt::simd

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "common/simd.h"
 #include "h264/deblock_dsp.h"
 #include "h264/rows_x86.h"
 
@@ -35,9 +36,7 @@ template <int x>
 constexpr Splat kSplat = {{x, x, x, x, x, x, x, x, x, x, x, x, x, x, x, x}};
 template <int x>
 inline const void* splat_lanes() {
-    const void* p = kSplat<x>.v;
-    asm("" : "+r"(p));
-    return p;
+    return simd::opaque(static_cast<const void*>(kSplat<x>.v));
 }
 
 #if defined(__AVX2__)

@@ -20,6 +20,7 @@
 
 #include <cstring>
 
+#include "common/simd.h"
 #include "h264/intra_pred_dsp.h"
 
 namespace {
@@ -370,14 +371,6 @@ __m128i edge(const uint8_t* p, int step) {
     }
 }
 
-// v, as a value the compiler knows nothing about: left to itself it turns the byte shifts of an
-// edge whose upper half it knows into shuffles through memory.
-inline __m128i opaque(__m128i v) {
-#if defined(__GNUC__)
-    asm("" : "+x"(v));
-#endif
-    return v;
-}
 template <int n>
 __m128i shift_bytes(__m128i v) {
     if constexpr (n == 0)
@@ -389,7 +382,9 @@ __m128i shift_bytes(__m128i v) {
 template <int mode, unsigned avail>
 KvtStatus directional(uint8_t* p, int step) {
     constexpr Directional m = kModes[mode - 3];
-    const __m128i e = opaque(edge<mode, avail>(p, step));
+    // Opaque: left to itself, the compiler turns the byte shifts of an edge whose upper half it
+    // knows into shuffles through memory.
+    const __m128i e = simd::opaque(edge<mode, avail>(p, step));
     const __m128i e1 = _mm_srli_si128(e, 1), e2 = _mm_srli_si128(e, 2);
     const __m128i a2 = _mm_avg_epu8(e, e1);
     const __m128i floor_ac =
