@@ -171,6 +171,14 @@ private:
         m.copy_of_reference = false;
         return m;
     }
+    // The coded-macroblock flag of a P-picture (COD, not_coded): true, with m marked skipped at the
+    // running quantizer, when the macroblock is not coded.
+    bool read_not_coded(MbInfo& m) {
+        if (pic_.intra || !br_.read_bit()) return false;
+        m.kind = MbKind::Skipped;
+        m.quant = Kvt8u(quant_);
+        return true;
+    }
     // The vectors of a neighbour outside the picture or slice.
     static constexpr KvtMotionVec kZeroVectors[4] = {};
     void start_picture();

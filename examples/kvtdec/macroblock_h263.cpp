@@ -56,10 +56,8 @@ void Decoder::decode_h263_mb(int x, int y) {
     int* po = &br_.offset;
 
     Kvt8u mcbpc = 0;
-    for (;;) {                                // stuffing codes may stand before the macroblock
-        if (!pic_.intra && br_.read_bit()) {  // COD 1: not coded
-            m.kind = MbKind::Skipped;
-            m.quant = Kvt8u(quant_);
+    for (;;) {  // stuffing codes may stand before the macroblock
+        if (read_not_coded(m)) {
             if (!pic_.obmc) return predict_skipped(x, y, was_copy);
             pending_[x & 1].mb_x = x;
             pending_[x & 1].coded = 0;

@@ -21,12 +21,8 @@ void Decoder::decode_mpeg4_mb(int x, int y) {
     int* po = &br_.offset;
 
     Kvt8u mcbpc = 0;
-    for (;;) {                                // stuffing codes may stand before the macroblock
-        if (!pic_.intra && br_.read_bit()) {  // not_coded
-            m.kind = MbKind::Skipped;
-            m.quant = Kvt8u(quant_);
-            return predict_skipped(x, y, was_copy);
-        }
+    for (;;) {  // stuffing codes may stand before the macroblock
+        if (read_not_coded(m)) return predict_skipped(x, y, was_copy);
         if (pic_.intra)
             check(kvtiDecodeMCBPCIntra_H263(pp, po, &mcbpc), "MCBPC code");
         else
