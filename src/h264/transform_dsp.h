@@ -50,6 +50,9 @@ void init_transform(TransformDsp& d);
 namespace ssse3 {
 void init_transform(TransformDsp& d);
 }
+namespace avx512 {
+void init_transform(TransformDsp& d);
+}
 
 void init_transform_dsp(TransformDsp& d, unsigned cpu_flags);
 

@@ -18,21 +18,20 @@ inline const uint8_t* at(const void* p, int step, int y) {
 }
 inline uint8_t* at(void* p, int step, int y) { return static_cast<uint8_t*>(p) + intptr_t(y) * step; }
 
-// Dequantized rows 0|1 in a and 2|3 in b (the DC replaced by the caller's value when dc is given)
-// inverse-transformed, rows then columns, and rounded: rows 0|1 of the residual in a, rows 3|2 in b.
-inline void transform(__m128i& a, __m128i& b, const int16_t* dc) {
-    if (dc) a = _mm_insert_epi16(a, *dc, 0);
+// Levels rows 0|1 in a and 2|3 in b scaled by the factor rows f01 and f23 (the DC replaced by the
+// caller's value when dc is given), inverse-transformed, rows then columns, and rounded: rows 0|1
+// of the residual in a, rows 3|2 in b. The factor matrix is symmetric (an entry depends only on
+// the parities of its row and column), so the levels are transposed before they are scaled: the
+// transpose does not wait for the factors, whose address the caller derives from QP.
+inline void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, __m128i f01, __m128i f23) {
     transpose(a, b);
+    a = _mm_mullo_epi16(a, f01), b = _mm_mullo_epi16(b, f23);
+    if (dc) a = _mm_insert_epi16(a, *dc, 0);
     inverse_core(a, b);
     b = swap_halves(b);
     transpose(a, b);
     inverse_core(a, b);
     a = round6(a), b = round6(b);
-}
-inline void dequant_transform(__m128i& a, __m128i& b, const int16_t* dc, const int16_t* factors) {
-    a = _mm_mullo_epi16(a, load16(factors));
-    b = _mm_mullo_epi16(b, load16(factors + 8));
-    transform(a, b, dc);
 }
 
 inline KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t* factors) {
@@ -41,7 +40,7 @@ inline KvtStatus residual(int16_t* c, int step, const int16_t* dc, const int16_t
         _mm_storel_epi64(reinterpret_cast<__m128i*>(at(c, step, y)), v);
     };
     __m128i a = _mm_unpacklo_epi64(row(0), row(1)), b = _mm_unpacklo_epi64(row(2), row(3));
-    dequant_transform(a, b, dc, factors);
+    dequant_transform(a, b, dc, load16(factors), load16(factors + 8));
     put(0, a), put(1, _mm_unpackhi_epi64(a, a)), put(3, b), put(2, _mm_unpackhi_epi64(b, b));
     return kvtStsOk;
 }
@@ -63,9 +62,8 @@ inline KvtStatus residual_dc(int16_t* c, int step, const int16_t* dc, const int1
 inline void add_residual(const uint8_t* pred, int16_t* c, const int16_t* dc, const int16_t* factors,
                          uint8_t* dst, int pred_step, int dst_step) {
     const auto* f = reinterpret_cast<const __m128i*>(factors);
-    __m128i a = _mm_mullo_epi16(load16(c), _mm_load_si128(f)),
-            b = _mm_mullo_epi16(load16(c + 8), _mm_load_si128(f + 1));
-    transform(a, b, dc);
+    __m128i a = load16(c), b = load16(c + 8);
+    dequant_transform(a, b, dc, _mm_load_si128(f), _mm_load_si128(f + 1));
     store16(c, a), store16(c + 8, swap_halves(b));
     a = _mm_add_epi16(a, widen_rows(pred, at(pred, pred_step, 1)));
     b = _mm_add_epi16(b, widen_rows(at(pred, pred_step, 3), at(pred, pred_step, 2)));
