@@ -58,16 +58,12 @@ void ticks_rows(const std::string& fn, const std::string& args, int mode, int st
         PeerPlane p;
         IntraPredFn k = slot(table_in_use(init_intra_pred_dsp));
         uint8_t* b = p.block();
-        benchmark::DoNotOptimize(k);
-        return checkasm_sample_ticks([&](unsigned) { k(b, step), k(b, step), k(b, step), k(b, step); });
+        return checkasm_ticks([&] { k(b, step); });
     });
     add_ticks_row(name + "/front", [mode, step] {
         PeerPlane p;
         uint8_t* b = p.block();
-        return checkasm_sample_ticks([&](unsigned) {
-            front(b, step, mode, kAll), front(b, step, mode, kAll), front(b, step, mode, kAll),
-                front(b, step, mode, kAll);
-        });
+        return checkasm_ticks([&] { front(b, step, mode, kAll); });
     });
 }
 
