@@ -71,14 +71,15 @@ inline void add_residual(const uint8_t* pred, int16_t* c, const int16_t* dc, con
 }
 
 // Saturating byte adds of the residual's positive and negative parts (each packed with unsigned
-// saturation): the clamp of prediction + residual, the residual limited as ClampTbl needs. The
-// block is not written.
-inline void add_dc_residual(const uint8_t* pred, int residual, uint8_t* dst, int pred_step, int dst_step) {
-    const __m128i r = _mm_shufflelo_epi16(_mm_cvtsi32_si128(residual), 0);
-    const __m128i up = _mm_packus_epi16(r, r),
-                  down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
+// saturation): the clamp of prediction + residual, the residual limited as ClampTbl needs. r holds
+// the residual in its low four 16-bit lanes. The block is not written.
+inline void add_dc_residual(const uint8_t* pred, __m128i r, uint8_t* dst, int pred_step, int dst_step) {
+    const __m128i up = _mm_packus_epi16(r, r), down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
     for (int y = 0; y < 4; ++y)
         store4(at(dst, dst_step, y), _mm_subs_epu8(_mm_adds_epu8(load4(at(pred, pred_step, y)), up), down));
+}
+inline void add_dc_residual(const uint8_t* pred, int residual, uint8_t* dst, int pred_step, int dst_step) {
+    add_dc_residual(pred, _mm_shufflelo_epi16(_mm_cvtsi32_si128(residual), 0), dst, pred_step, dst_step);
 }
 
 inline KvtStatus residual_add(const uint8_t* pred, int16_t* c, const int16_t* factors, uint8_t* dst,
@@ -93,7 +94,12 @@ inline KvtStatus residual_add_dc(const uint8_t* pred, int16_t* c, const int16_t*
 }
 inline KvtStatus residual_dc_add(const uint8_t* pred, int16_t* c, const int16_t* factors, uint8_t* dst,
                                  int pred_step, int dst_step) {
-    add_dc_residual(pred, dc_residual(c, nullptr, factors), dst, pred_step, dst_step);
+    // The level times its factor (a 16-bit product, as in dc_residual) and its rounding stay in a
+    // vector register: the factor's address depends on QP, and this chain is the kernel's latency.
+    const __m128i level = load4(reinterpret_cast<const uint8_t*>(c)),
+                  factor = load4(reinterpret_cast<const uint8_t*>(factors));
+    add_dc_residual(pred, _mm_shufflelo_epi16(round6(_mm_mullo_epi16(level, factor)), 0), dst, pred_step,
+                    dst_step);
     return kvtStsOk;
 }
 inline KvtStatus residual_dc_add_dc(const uint8_t* pred, int16_t*, const int16_t* dc, uint8_t* dst,
