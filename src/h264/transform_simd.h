@@ -74,7 +74,8 @@ inline void add_residual(const uint8_t* pred, int16_t* c, const int16_t* dc, con
 // saturation): the clamp of prediction + residual, the residual limited as ClampTbl needs. r holds
 // the residual in its low four 16-bit lanes. The block is not written.
 inline void add_dc_residual(const uint8_t* pred, __m128i r, uint8_t* dst, int pred_step, int dst_step) {
-    const __m128i up = _mm_packus_epi16(r, r), down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
+    const __m128i up = _mm_packus_epi16(r, r),
+                  down = _mm_packus_epi16(_mm_sub_epi16(_mm_setzero_si128(), r), r);
     for (int y = 0; y < 4; ++y)
         store4(at(dst, dst_step, y), _mm_subs_epu8(_mm_adds_epu8(load4(at(pred, pred_step, y)), up), down));
 }
