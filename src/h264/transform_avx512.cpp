@@ -5,10 +5,6 @@
 
 namespace kvt::avx512 {
 
-void init_transform(TransformDsp& d) {
-    d.residual = residual;
-    d.residual_add = residual_add;
-    d.residual_add_dc = residual_add_dc;
-}
+void init_transform(TransformDsp& d) { fill_residual(d); }
 
 }  // namespace kvt::avx512
