@@ -28,15 +28,31 @@ namespace {
 
 // Small constants in memory: loads cost no vector operation, where a broadcast from a general
 // register costs two or three. The compiler sees through a plain load of a constant array and
-// builds the broadcast anyway; splat_lanes() hides the array's address from it.
-struct alignas(32) Splat {
-    int16_t v[16];
+// builds the broadcast anyway; splat_lanes() hides the array's address from it. All constants sit
+// in one table so that its hidden address takes one general register whatever a filter uses (one
+// register each pushed the chroma filters into a saved register and a frame).
+constexpr int16_t kSplatValues[] = {1, 2, 3, 4, 0x0303};
+constexpr size_t kSplatCount = sizeof kSplatValues / sizeof kSplatValues[0];
+struct alignas(32) SplatTable {
+    int16_t v[kSplatCount][16];
 };
+constexpr SplatTable make_splats() {
+    SplatTable t{};
+    for (size_t i = 0; i < kSplatCount; ++i)
+        for (int16_t& lane : t.v[i]) lane = kSplatValues[i];
+    return t;
+}
+constexpr SplatTable kSplats = make_splats();
 template <int x>
-constexpr Splat kSplat = {{x, x, x, x, x, x, x, x, x, x, x, x, x, x, x, x}};
+constexpr size_t splat_row() {
+    size_t i = 0;
+    while (i < kSplatCount && kSplatValues[i] != x) ++i;
+    return i;
+}
 template <int x>
 inline const void* splat_lanes() {
-    return simd::opaque(static_cast<const void*>(kSplat<x>.v));
+    static_assert(splat_row<x>() < kSplatCount, "add the constant to kSplatValues");
+    return static_cast<const char*>(simd::opaque(static_cast<const void*>(&kSplats))) + 32 * splat_row<x>();
 }
 
 #if defined(__AVX2__)
@@ -208,18 +224,19 @@ KVT_INLINE void filter_luma(LumaLines& l, const EdgeLanes& e, bool any_normal, b
     }
 }
 
-// s[0..3] = p1, p0, q0, q1; results replace s[1..2]. Both filters run unconditionally and the
-// strong lanes take theirs by a select, so e.normal may include them (bS > 0 is enough). With
-// tc = tc0 + 1, -tc is ~tc0; the strong filter's 2 p1 + p0 + q1 + 2 is p1 + p0 + (p1 + q1 + 2),
-// whose last term q0' shares.
-KVT_INLINE void filter_chroma(V16 (&s)[4], const EdgeLanes& e) {
-    const V16 p1 = s[0], p0 = s[1], q0 = s[2], q1 = s[3];
+// Filters p0 and q0 in place. Both filters run unconditionally and the strong lanes take theirs
+// by a select, so e.normal may include them (bS > 0 is enough). With tc = tc0 + 1, -tc is ~tc0;
+// the strong filter's 2 p1 + p0 + q1 + 2 is p1 + p0 + (p1 + q1 + 2), whose last term q0' shares.
+// (Samples as separate values, not an array: an array of 256-bit lanes makes the compiler align
+// the stack, though it keeps them in registers.)
+KVT_INLINE void filter_chroma(V16 p1, V16& p0_io, V16& q0_io, V16 q1, EdgeLanes e) {
+    const V16 p0 = p0_io, q0 = q0_io;
     const V16 on = less(absdiff(p0, q0), e.alpha) & less(max(absdiff(p1, p0), absdiff(q1, q0)), e.beta);
     const V16 d = sra<3>(sll<2>(q0 - p0) + (p1 - q1) + V16::constant<4>());
     const V16 delta = clip3(~e.tc0, e.tc0 + V16::constant<1>(), d) & (on & e.normal);
     const V16 t = p1 + q1 + V16::constant<2>(), m = on & e.strong;
-    s[1] = select(m, sra<2>(p1 + p0 + t), p0 + delta);
-    s[2] = select(m, sra<2>(q1 + q0 + t), q0 - delta);
+    p0_io = select(m, sra<2>(p1 + p0 + t), p0 + delta);
+    q0_io = select(m, sra<2>(q1 + q0 + t), q0 - delta);
 }
 
 // ---- Lanes from the argument bytes ------------------------------------------------------------------
@@ -374,12 +391,11 @@ KVT_INLINE void transpose16(__m128i (&r)[16]) {
     return kvtStsOk;
 }
 
-// Both chroma edges from four rows of 16 bytes (p1, p0, q0, q1; bytes 0..7 of edge 0's lines,
-// 8..15 of edge 4's); pq[e] receives p0' then q0' of edge 0 (e = 0) or 4 (e = 1).
-KVT_INLINE void chroma_edges(const __m128i (&rows)[4], const uint8_t* alpha, const uint8_t* beta,
-                             const uint8_t* tc0, const uint8_t* bs, __m128i (&pq)[2]) {
-    V16 s[4];
-    for (int i = 0; i < 4; ++i) s[i] = V16::widen(rows[i]);
+// The lanes of both chroma edges (edge 0 in lanes 0..7, edge 4 in 8..15) from the argument bytes.
+// The kernels build them before they load any row: the argument pointers are then dead, and the
+// row addresses fit in the call-clobbered registers.
+KVT_INLINE EdgeLanes chroma_lanes(const uint8_t* alpha, const uint8_t* beta, const uint8_t* tc0,
+                                  const uint8_t* bs) {
 #if defined(__SSSE3__)
     // Byte shuffles spread the argument bytes over the lanes: alpha / beta by edge, bS / tc0 by
     // segment; the strength masks come from 16-bit compares.
@@ -394,30 +410,37 @@ KVT_INLINE void chroma_edges(const __m128i (&rows)[4], const uint8_t* alpha, con
     const V16 b = V16::widen(
         _mm_shuffle_epi8(load16(bs), _mm_setr_epi8(0, 0, 1, 1, 2, 2, 3, 3, 8, 8, 9, 9, 10, 10, 11, 11)));
     const V16 three = V16::constant<3>();
-    const EdgeLanes lanes{pair(alpha), pair(beta), less(V16::splat(0), b), less(three, b),
-                          V16::widen(_mm_shuffle_epi8(load8(tc0), by_segment))};
+    return {pair(alpha), pair(beta), less(V16::splat(0), b), less(three, b),
+            V16::widen(_mm_shuffle_epi8(load8(tc0), by_segment))};
 #else
     const auto halves = [](int a, int b) {
         return V16::widen(_mm_unpacklo_epi64(_mm_set1_epi8(char(a)), _mm_set1_epi8(char(b))));
     };
-    const EdgeLanes lanes = edge_lanes(halves(alpha[0], alpha[1]), halves(beta[0], beta[1]),
-                                       StrengthBytes(spread2(bs, bs + 8)), spread2(tc0, tc0 + 4));
+    return edge_lanes(halves(alpha[0], alpha[1]), halves(beta[0], beta[1]),
+                      StrengthBytes(spread2(bs, bs + 8)), spread2(tc0, tc0 + 4));
 #endif
-    filter_chroma(s, lanes);
-    V16::pack_halves(s[1], s[2], pq[0], pq[1]);
+}
+
+// Both chroma edges from four rows of 16 bytes (p1, p0, q0, q1; bytes 0..7 of edge 0's lines,
+// 8..15 of edge 4's); pq[e] receives p0' then q0' of edge 0 (e = 0) or 4 (e = 1).
+KVT_INLINE void chroma_edges(const __m128i (&rows)[4], const EdgeLanes& lanes, __m128i (&pq)[2]) {
+    V16 p0 = V16::widen(rows[1]), q0 = V16::widen(rows[2]);
+    filter_chroma(V16::widen(rows[0]), p0, q0, V16::widen(rows[3]), lanes);
+    V16::pack_halves(p0, q0, pq[0], pq[1]);
 }
 
 // Rows -2..1 and 2..5 go to the two halves of four registers; p0 and q0 come back as rows -1, 0
 // and 3, 4.
 [[maybe_unused]] KvtStatus chroma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
                                       const uint8_t* tc0, const uint8_t* bs) {
+    const EdgeLanes lanes = chroma_lanes(alpha, beta, tc0, bs);
     // Rows from two bases, rows -2 and 2, plus 0 to 3 steps.
     const intptr_t s = step, s3 = 3 * s;
     const uint8_t *a = p - 2 * s, *b = a + 4 * s;
     __m128i rows[4] = {load8x2(a, b), load8x2(a + s, b + s), load8x2(a + 2 * s, b + 2 * s),
                        load8x2(a + s3, b + s3)};
     __m128i pq[2];
-    chroma_edges(rows, alpha, beta, tc0, bs, pq);
+    chroma_edges(rows, lanes, pq);
     store8(p - s, pq[0]), store8_high(p, pq[0]);
     store8(p + s3, pq[1]), store8_high(p + 4 * s, pq[1]);
     return kvtStsOk;
@@ -437,6 +460,7 @@ inline void transpose8(const __m128i (&r)[8], __m128i (&out)[4]) {
 // columns go back (the unchanged ones with their own values).
 [[maybe_unused]] KvtStatus chroma_ver(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
                                       const uint8_t* tc0, const uint8_t* bs) {
+    const EdgeLanes lanes = chroma_lanes(alpha, beta, tc0, bs);
     const intptr_t s = step;
     __m128i r[8], c[4];
     for (int y = 0; y < 8; ++y) r[y] = load8(p - 2 + y * s);
@@ -444,7 +468,7 @@ inline void transpose8(const __m128i (&r)[8], __m128i (&out)[4]) {
     __m128i rows[4] = {_mm_unpacklo_epi64(c[0], c[2]), _mm_unpackhi_epi64(c[0], c[2]),
                        _mm_unpacklo_epi64(c[1], c[3]), _mm_unpackhi_epi64(c[1], c[3])};
     __m128i pq[2];
-    chroma_edges(rows, alpha, beta, tc0, bs, pq);
+    chroma_edges(rows, lanes, pq);
     rows[1] = _mm_unpacklo_epi64(pq[0], pq[1]), rows[2] = _mm_unpackhi_epi64(pq[0], pq[1]);
     // Columns back to separate registers: -2, -1, 0, 1 from the low halves, 2..5 from the high.
     for (int k = 0; k < 4; ++k) r[k] = rows[k], r[k + 4] = _mm_unpackhi_epi64(rows[k], rows[k]);
