@@ -279,25 +279,43 @@ inline EdgeLanes edge_lanes(V16 alpha, V16 beta, const StrengthBytes& k, __m128i
 
 // The parameters of a macroblock's four luma edges; edge(e) spreads segment bytes 4e..4e+3 over
 // the sixteen lines (a byte shuffle where there is one, else a fresh look at the argument bytes).
+// With AVX-512's 32 vector registers the thresholds are spread once, up front, so that no argument
+// pointer stays live across the edges: the row addresses then need no saved register.
 struct LumaParams {
-    const uint8_t *alpha, *beta, *tc0, *bs;
     StrengthBytes all;
+#if defined(__AVX512VL__)
+    __m128i tc0;
+    V16 alpha_outer, alpha_inner, beta_outer, beta_inner;
     LumaParams(const uint8_t* a, const uint8_t* b, const uint8_t* t, const uint8_t* s)
-        : alpha(a), beta(b), tc0(t), bs(s), all(load16(s)) {}
+        : all(load16(s)),
+          tc0(load16(t)),
+          alpha_outer(V16::splat(a[0])),
+          alpha_inner(V16::splat(a[1])),
+          beta_outer(V16::splat(b[0])),
+          beta_inner(V16::splat(b[1])) {}
+#else
+    const uint8_t *alpha, *beta, *tc0, *bs;
+    LumaParams(const uint8_t* a, const uint8_t* b, const uint8_t* t, const uint8_t* s)
+        : all(load16(s)), alpha(a), beta(b), tc0(t), bs(s) {}
+#endif
     unsigned normal_bits() const { return unsigned(_mm_movemask_epi8(all.normal)); }
     unsigned strong_bits() const { return unsigned(_mm_movemask_epi8(all.strong)); }
     EdgeLanes edge(int e) const {
-        const int inner = e > 0;
 #if defined(__SSSE3__)
         const __m128i idx = _mm_add_epi8(_mm_set1_epi8(char(4 * e)),
                                          _mm_setr_epi8(0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3));
         StrengthBytes k = all;
         k.normal = _mm_shuffle_epi8(all.normal, idx);
         k.strong = _mm_shuffle_epi8(all.strong, idx);
-        return edge_lanes(V16::splat(alpha[inner]), V16::splat(beta[inner]), k,
-                          _mm_shuffle_epi8(load16(tc0), idx));
+#if defined(__AVX512VL__)
+        return edge_lanes(e ? alpha_inner : alpha_outer, e ? beta_inner : beta_outer, k,
+                          _mm_shuffle_epi8(tc0, idx));
 #else
-        return edge_lanes(V16::splat(alpha[inner]), V16::splat(beta[inner]),
+        return edge_lanes(V16::splat(alpha[e > 0]), V16::splat(beta[e > 0]), k,
+                          _mm_shuffle_epi8(load16(tc0), idx));
+#endif
+#else
+        return edge_lanes(V16::splat(alpha[e > 0]), V16::splat(beta[e > 0]),
                           StrengthBytes(spread4(bs + 4 * e)), spread4(tc0 + 4 * e));
 #endif
     }
@@ -308,33 +326,42 @@ struct LumaParams {
 // Luma edges over rows of 16 bytes, row r at p + r * step (r = -4..15). The q side of one edge is
 // the p side of the next, so those four lines stay in registers; a row is stored once no later
 // edge changes it. Edge 0 without a filtered segment leaves the rows before the macroblock alone.
+// In the picture (picture_rows) rows go in groups of four, each addressed from the group's first
+// row, one pointer moved by four steps per edge: the compiler's own addressing keeps a register
+// per row and spills. In the transposition buffer the rows are fixed offsets (the buffer must not
+// escape, or it could no longer stay in registers).
+template <bool picture_rows>
 KVT_INLINE void luma_edges(uint8_t* p, intptr_t step, const uint8_t* alpha, const uint8_t* beta,
                            const uint8_t* tc0, const uint8_t* bs) {
     const LumaParams params(alpha, beta, tc0, bs);
     const unsigned normal = params.normal_bits(), strong = params.strong_bits();
-    const auto row = [&](int r) { return V16::widen(load16(p + r * step)); };
-    const auto put = [&](int r, V16 v) { store16(p + r * step, v.bytes()); };
-    LumaLines l{row(-4), row(-3), row(-2), row(-1), {}, {}, {}, {}};
+    const intptr_t s = step, s3 = 3 * step;
+    const auto at = [&](uint8_t* group, int k) { return k == 3 ? group + s3 : group + k * s; };
+    const auto row = [&](uint8_t* group, int k) { return V16::widen(load16(at(group, k))); };
+    const auto put = [&](uint8_t* group, int k, V16 v) { store16(at(group, k), v.bytes()); };
+    uint8_t* prev = p - 4 * s;  // rows -4..-1
+    LumaLines l{row(prev, 0), row(prev, 1), row(prev, 2), row(prev, 3), {}, {}, {}, {}};
 #pragma GCC unroll 4
     for (int edge = 0; edge < 4; ++edge) {
         const bool any_normal = (normal >> 4 * edge) & 15, any_strong = (strong >> 4 * edge) & 15;
-        const int q = 4 * edge;
-        l.q0 = row(q), l.q1 = row(q + 1), l.q2 = row(q + 2), l.q3 = row(q + 3);
+        uint8_t* const cur = picture_rows ? simd::opaque(prev + 4 * s) : prev + 4 * s;  // rows 4 edge..
+        l.q0 = row(cur, 0), l.q1 = row(cur, 1), l.q2 = row(cur, 2), l.q3 = row(cur, 3);
         if (any_normal || any_strong) {
             filter_luma(l, params.edge(edge), any_normal, any_strong);
-            if (edge == 0) put(-3, l.p2), put(-2, l.p1), put(-1, l.p0);
+            if (edge == 0) put(prev, 1, l.p2), put(prev, 2, l.p1), put(prev, 3, l.p0);
         }
-        if (edge > 0) put(q - 3, l.p2), put(q - 2, l.p1), put(q - 1, l.p0);
-        put(q, l.q0);
+        if (edge > 0) put(prev, 1, l.p2), put(prev, 2, l.p1), put(prev, 3, l.p0);
+        put(cur, 0, l.q0);
         l.p3 = l.q0, l.p2 = l.q1, l.p1 = l.q2, l.p0 = l.q3;
+        prev = cur;
     }
-    put(13, l.p2);
-    put(14, l.p1);
+    put(prev, 1, l.p2);  // rows 13 and 14 (row 15 is never changed)
+    put(prev, 2, l.p1);
 }
 
 [[maybe_unused]] KvtStatus luma_hor(uint8_t* p, int32_t step, const uint8_t* alpha, const uint8_t* beta,
                                     const uint8_t* tc0, const uint8_t* bs) {
-    luma_edges(p, step, alpha, beta, tc0, bs);
+    luma_edges<true>(p, step, alpha, beta, tc0, bs);
     return kvtStsOk;
 }
 
@@ -380,7 +407,7 @@ KVT_INLINE void transpose16(__m128i (&r)[16]) {
     for (int y = 0; y < 16; ++y) r[y] = load4(p - 4 + y * intptr_t(step));
     transpose16(r);  // columns -4..-1 in r[0..3]
     for (int c = 0; c < 4; ++c) store16(cols[c], r[c]);
-    luma_edges(cols[4], 16, alpha, beta, tc0, bs);
+    luma_edges<false>(cols[4], 16, alpha, beta, tc0, bs);
     for (int c = 0; c < 16; ++c) r[c] = load16(cols[c + 4]);
     transpose16(r);
     for (int y = 0; y < 16; ++y) store16(p + y * intptr_t(step), r[y]);
