@@ -97,20 +97,23 @@ private:
 // The rows of a block four at a time from one base: p, p + s, p + 2s, p + 3s, and p + 4s, the
 // first row of the next group. Left to itself the compiler turns p + 2s into (p + s) + s, a
 // chain of one addition per row, and sixteen dependent additions sit on the critical path of a
-// 16x16 metric; the multiples of the step, hidden from it by an empty asm, keep every row one
-// addition (or one addressing mode) away from its group's base.
+// 16x16 metric. Only 3s is hidden from it (by an empty asm): s, 2s and 4s are scales of an
+// addressing mode, so every row is one addressing mode from its group's base and a block's rows
+// take three registers (holding 2s, 4s and every group's base as well pushed the metrics into
+// saved registers).
 class Rows4 {
 public:
-    Rows4(const uint8_t* p, intptr_t step) : p_(p), s_{step, 2 * step, 3 * step, 4 * step} {
-        asm("" : "+r"(s_[1]), "+r"(s_[2]), "+r"(s_[3]));
-    }
+    Rows4(const uint8_t* p, intptr_t step) : p_(p), s_(step), s3_(3 * step) { asm("" : "+r"(s3_)); }
     // Row k (0..4) of the current group.
-    const uint8_t* operator[](int k) const { return k == 0 ? p_ : p_ + s_[k - 1]; }
-    void next() { p_ += s_[3]; }
+    const uint8_t* operator[](int k) const { return k == 3 ? p_ + s3_ : p_ + k * s_; }
+    void next() {  // the base moves (hidden too, or every group's base would be a register)
+        p_ += 4 * s_;
+        asm("" : "+r"(p_));
+    }
 
 private:
     const uint8_t* p_;
-    intptr_t s_[4];  // s, 2s, 3s, 4s
+    intptr_t s_, s3_;
 };
 
 // Fixed-rounding predictions of a block W samples wide, four rows per next4() call, top to
