@@ -44,17 +44,20 @@ inline uint32_t left4(const uint8_t* p, int step, int y0) {
     const intptr_t s = step;
     return q[0] | q[s] << 8 | q[2 * s] << 16 | uint32_t(q[3 * s]) << 24;
 }
-// Sum of L[y0 .. y0 + n - 1], n a multiple of 4: rows addressed from a base every four rows (no
-// chain of additions), two accumulators (few enough registers to need no saved ones).
+// Sum of L[y0 .. y0 + n - 1], n a multiple of 4, in two accumulators. Rows are addressed four at
+// a time from a base: q, q + s, q + 2s (addressing-mode scales) and q + 3s. Over several groups
+// the base moves by four steps, and it and 3s are hidden from the compiler: otherwise it keeps a
+// register for 4s, 8s, 12s and every group's base and needs saved registers.
 template <int n>
 int sum_left(const uint8_t* p, int step, int y0) {
-    const intptr_t s = step, s3 = 3 * s;
+    constexpr bool groups = n > 4;
+    const intptr_t s = step, s3 = groups ? simd::opaque(3 * s) : 3 * s;
     const uint8_t* q = p + y0 * s - 1;
     int a = 0, b = 0;
 #pragma GCC unroll 4
     for (int y = 0; y < n; y += 4) {
-        const uint8_t* r = q + y * s;
-        a += r[0] + r[s], b += r[2 * s] + r[s3];
+        a += q[0] + q[s], b += q[2 * s] + q[s3];
+        if (groups) q = simd::opaque(q + 4 * s);
     }
     return a + b;
 }
