@@ -10,7 +10,8 @@
 //
 // 16-sample-wide rows with two inputs (the average, the vertical half) go two rows at a time with
 // each pointer moved on by one LEA; the compiler's versions keep a base per four rows for each
-// pointer, run out of registers and save some on the stack (measured: 15% and 25% slower).
+// pointer, run out of registers and save some on the stack (measured: 15% and 25% slower). The
+// plain 16-wide copy is a loop of four rows a step.
 //
 // Each kernel is one asm statement (nothing the compiler schedules can come between its
 // instructions). Include only from SSE2 tier files; internal linkage.
@@ -107,6 +108,31 @@ inline void copy16x16_half_v(const uint8_t* src, intptr_t src_step, uint8_t* dst
         : [s] "+r"(src), [d] "+r"(dst)
         : [ss] "r"(src_step), [ds] "r"(dst_step)
         : "memory", "xmm0", "xmm1", "xmm2");
+}
+
+// A copy of 16-byte rows (a multiple of four), four rows a step, each pointer moved on by one LEA
+// and the fourth row at 3 steps. A loop: measured faster than the same steps unrolled and than the
+// compiler's loads-first copy (4.6 to 4.9 against 5.1 to 5.2 TSC ticks for 16 rows); the same
+// loop measured slower for the average and the vertical half, which stay unrolled.
+inline void copy16_rows(const uint8_t* src, intptr_t src_step, uint8_t* dst, intptr_t dst_step, int rows) {
+    const intptr_t src_step3 = 3 * src_step, dst_step3 = 3 * dst_step;
+    __asm__ volatile(
+        "1:\n\t"
+        "movdqu (%[s]), %%xmm0\n\t"
+        "movdqu (%[s],%[ss]), %%xmm1\n\t"
+        "movdqu (%[s],%[ss],2), %%xmm2\n\t"
+        "movdqu (%[s],%[ss3]), %%xmm3\n\t"
+        "lea (%[s],%[ss],4), %[s]\n\t"
+        "movdqu %%xmm0, (%[d])\n\t"
+        "movdqu %%xmm1, (%[d],%[ds])\n\t"
+        "movdqu %%xmm2, (%[d],%[ds],2)\n\t"
+        "movdqu %%xmm3, (%[d],%[ds3])\n\t"
+        "lea (%[d],%[ds],4), %[d]\n\t"
+        "sub $4, %[n]\n\t"
+        "jnz 1b"
+        : [s] "+r"(src), [d] "+r"(dst), [n] "+r"(rows)
+        : [ss] "r"(src_step), [ds] "r"(dst_step), [ss3] "r"(src_step3), [ds3] "r"(dst_step3)
+        : "memory", "cc", "xmm0", "xmm1", "xmm2", "xmm3");
 }
 
 }  // namespace

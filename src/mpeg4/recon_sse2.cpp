@@ -1,6 +1,6 @@
-// SSE2 tier of H.263 / MPEG-4 prediction and reconstruction (kernels in recon_simd.h). The 8x8
-// horizontal half with rounding control 0, the 16x16 vertical half with rounding control 0 and
-// the averages run as the assembly of common/blocks_asm_x86.h.
+// SSE2 tier of H.263 / MPEG-4 prediction and reconstruction (kernels in recon_simd.h). The 16x16
+// copy, the 8x8 horizontal half with rounding control 0, the 16x16 vertical half with rounding
+// control 0 and the averages run as the assembly of common/blocks_asm_x86.h.
 #include "common/blocks_asm_x86.h"
 #include "mpeg4/recon_simd.h"
 
@@ -10,6 +10,10 @@ namespace {
 
 KvtStatus copy8_half_h(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
     asm_x86::copy8x8_half_h(src, src_step, dst, dst_step);
+    return kvtStsOk;
+}
+KvtStatus copy16(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
+    asm_x86::copy16_rows(src, src_step, dst, dst_step, 16);
     return kvtStsOk;
 }
 KvtStatus copy16_half_v(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
@@ -29,6 +33,7 @@ KvtStatus average16(const uint8_t* a, int a_step, const uint8_t* b, int b_step, 
 
 void init_recon(ReconDsp& d) {
     fill_slots(d.predict16, [](auto i) { return &copy<16, decltype(i)::value / 2, decltype(i)::value % 2>; });
+    d.predict16[recon_index(0, 0)] = d.predict16[recon_index(0, 1)] = copy16;
     d.predict16[recon_index(2, 0)] = copy16_half_v;
     fill_slots(d.predict8, [](auto i) { return &copy<8, decltype(i)::value / 2, decltype(i)::value % 2>; });
     d.predict8[recon_index(1, 0)] = copy8_half_h;
