@@ -88,8 +88,14 @@ inline __m256i op_and(__m256i a, __m256i b) { return _mm256_and_si256(a, b); }
 inline __m256i op_not(__m256i a) { return _mm256_xor_si256(a, _mm256_cmpeq_epi16(a, a)); }
 inline __m256i op_avg(__m256i a, __m256i b) { return _mm256_avg_epu16(a, b); }
 inline __m256i op_absdiff(__m256i a, __m256i b) { return _mm256_abs_epi16(_mm256_sub_epi16(a, b)); }
-// m ? b : a (m all ones or all zeros per lane).
-inline V16 select(V16 m, V16 b, V16 a) { return {_mm256_blendv_epi8(a.v, b.v, m.v)}; }
+// m ? b : a (m all ones or all zeros per lane). One VPBLENDVB with the mask as it stands: GCC
+// turns the intrinsic into a compare of the mask's bytes with zero plus the blend wherever one
+// mask serves two blends.
+inline V16 select(V16 m, V16 b, V16 a) {
+    __m256i r;
+    __asm__("vpblendvb %[m], %[b], %[a], %[r]" : [r] "=x"(r) : [a] "x"(a.v), [b] "x"(b.v), [m] "x"(m.v));
+    return {r};
+}
 template <int n>
 inline V16 sra(V16 a) {
     return {_mm256_srai_epi16(a.v, n)};
