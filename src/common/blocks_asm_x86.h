@@ -14,7 +14,8 @@
 // plain 16-wide copy is a loop of four rows a step.
 //
 // Each kernel is one asm statement (nothing the compiler schedules can come between its
-// instructions). Include only from SSE2 tier files; internal linkage.
+// instructions). SSE2 instructions: include only from x86 tier files (the H.264 interpolation
+// header, built by every tier, takes its 16-wide copy from here); internal linkage.
 #pragma once
 
 #include <cstdint>
