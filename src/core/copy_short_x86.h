@@ -12,6 +12,16 @@
 namespace kvt::simd {
 namespace {
 
+// The first and the last sizeof(T) of n bytes (sizeof(T) <= n <= 2 sizeof(T)), both loaded first.
+template <class T>
+inline void copy_ends(const uint8_t* src, uint8_t* dst, size_t n) {
+    T a, b;
+    std::memcpy(&a, src, sizeof a);
+    std::memcpy(&b, src + n - sizeof b, sizeof b);
+    std::memcpy(dst, &a, sizeof a);
+    std::memcpy(dst + n - sizeof b, &b, sizeof b);
+}
+
 inline void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
     if (n >= 32) {
         const __m128i a = load(src), b = load(src + 16), c = load(src + n - 32), d = load(src + n - 16);
@@ -24,17 +34,9 @@ inline void copy_short(const uint8_t* src, uint8_t* dst, size_t n) {
         store(dst, a);
         store(dst + n - 16, b);
     } else if (n >= 8) {
-        uint64_t a, b;
-        std::memcpy(&a, src, 8);
-        std::memcpy(&b, src + n - 8, 8);
-        std::memcpy(dst, &a, 8);
-        std::memcpy(dst + n - 8, &b, 8);
+        copy_ends<uint64_t>(src, dst, n);
     } else if (n >= 4) {
-        uint32_t a, b;
-        std::memcpy(&a, src, 4);
-        std::memcpy(&b, src + n - 4, 4);
-        std::memcpy(dst, &a, 4);
-        std::memcpy(dst + n - 4, &b, 4);
+        copy_ends<uint32_t>(src, dst, n);
     } else {  // 1 to 3 bytes
         const uint8_t a = src[0], b = src[n / 2], c = src[n - 1];
         dst[0] = a;
