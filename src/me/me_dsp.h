@@ -10,6 +10,7 @@
 
 #include "common/kernel.h"
 #include "kvtvc.h"
+#include "me/halfpel.h"
 
 namespace kvt {
 
@@ -43,20 +44,45 @@ using TextureErrorFn = KvtStatus (*)(const uint8_t* src, int src_step, const uin
 using EdgesFn = KvtStatus (*)(const uint8_t* src, int step, uint8_t diff_threshold, uint8_t count_threshold,
                               uint8_t* flag);
 
+// The slot of a pair of types (forward, backward) in sqrdiff16b and get_diff_b, from the types'
+// phase bits alone, and the pair of phase codes a slot stands for.
+constexpr int pair_index(int fwd_type, int bwd_type) {
+    return ((fwd_type & kMcPhaseBits) >> 2) | (bwd_type & kMcPhaseBits);
+}
+struct PhasePair {
+    int fwd, bwd;
+};
+constexpr PhasePair pair_of(int index) { return {index % 4 * 4, index / 4 * 4}; }
+
+// The slot of get_diff for a type and whether the prediction is wanted, and back.
+constexpr int diff_index(int type, bool pred) { return ((type & kMcPhaseBits) >> 1) | (pred ? 1 : 0); }
+struct DiffSlot {
+    int type;
+    bool pred;
+};
+constexpr DiffSlot diff_slot_of(int index) { return {index / 2 * 4, index % 2 != 0}; }
+static_assert([] {
+    for (int i = 0; i < 16; ++i)
+        if (pair_index(pair_of(i).fwd, pair_of(i).bwd) != i) return false;
+    for (int i = 0; i < 8; ++i)
+        if (diff_index(diff_slot_of(i).type, diff_slot_of(i).pred) != i) return false;
+    return true;
+}());
+
 // Residual block sizes, the first index of get_diff and get_diff_b.
 enum ResidualSize { k16x16, k16x8, k8x16, k8x8, k8x4, kResidualSizes };
 
 struct MeDsp {
     SqrDiffFn sqrdiff16[4];
-    SqrDiffBFn sqrdiff16b[16];
+    SqrDiffBFn sqrdiff16b[16];  // pair_index(forward, backward)
     VarianceFn variance16;
     VarMeanFn varmean8x8;
     VarMean16sFn varmean8x8_16s;
     VarMeanDiffFn varmeandiff16x16[4];
     VarMeanDiffFn varmeandiff16x8[4];
     MeanAbsDevFn mean_abs_dev16;
-    GetDiffFn get_diff[kResidualSizes][8];  // [size][phase * 2 + prediction wanted]
-    GetDiffBFn get_diff_b[kResidualSizes][16];
+    GetDiffFn get_diff[kResidualSizes][8];      // [size][diff_index(type, prediction wanted)]
+    GetDiffBFn get_diff_b[kResidualSizes][16];  // [size][pair_index(forward, backward)]
     GetDiff4x4Fn get_diff4x4;
     SumsDiffFn sums_diff16x16;
     SumsDiffFn sums_diff8x8;

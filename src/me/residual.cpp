@@ -12,18 +12,16 @@ namespace {
 KvtStatus get_diff(ResidualSize size, const Kvt8u* cur, int cur_step, const Kvt8u* ref, int ref_step,
                    Kvt16s* diff, int diff_step, Kvt16s* pred, int pred_step, int type, int rounding) {
     if (KVT_UNLIKELY(!cur || !ref || !diff)) return kvtStsNullPointer;
-    const int entry = ((type & kMcPhaseBits) >> 1) | (pred ? 1 : 0);
-    return me_dsp.get_diff[size][entry](cur, cur_step, ref, ref_step, diff, diff_step, pred, pred_step,
-                                        rounding != kvtRoundNormal);
+    return me_dsp.get_diff[size][diff_index(type, pred != nullptr)](
+        cur, cur_step, ref, ref_step, diff, diff_step, pred, pred_step, rounding != kvtRoundNormal);
 }
 
 KvtStatus get_diff_b(ResidualSize size, const Kvt8u* cur, int cur_step, const Kvt8u* fwd, int fwd_step,
                      int fwd_type, const Kvt8u* bwd, int bwd_step, int bwd_type, Kvt16s* diff, int diff_step,
                      int rounding) {
     if (KVT_UNLIKELY(!cur || !fwd || !bwd || !diff)) return kvtStsNullPointer;
-    const int pair = ((fwd_type & kMcPhaseBits) >> 2) | (bwd_type & kMcPhaseBits);
-    return me_dsp.get_diff_b[size][pair](cur, cur_step, fwd, fwd_step, bwd, bwd_step, diff, diff_step,
-                                         rounding != kvtRoundNormal);
+    return me_dsp.get_diff_b[size][pair_index(fwd_type, bwd_type)](
+        cur, cur_step, fwd, fwd_step, bwd, bwd_step, diff, diff_step, rounding != kvtRoundNormal);
 }
 
 }  // namespace

@@ -88,14 +88,16 @@ KvtStatus sums_diff_n(const uint8_t* cur, int cur_step, const uint8_t* pred, int
                 : sums_diff<N, false>(cur, cur_step, pred, pred_step, sums, nullptr);
 }
 
-// One size's row of each table: entry phase * 2 + (prediction wanted), and forward phase +
-// 4 * backward phase.
+// One size's row of each table.
 template <int W, int H>
 void fill_size(GetDiffFn (&row)[8], GetDiffBFn (&row_b)[16]) {
-    fill_slots(
-        row, [](auto i) { return get_diff<W, H, decltype(i)::value / 2 * 4, decltype(i)::value % 2 != 0>; });
+    fill_slots(row, [](auto i) {
+        constexpr DiffSlot s = diff_slot_of(i);
+        return get_diff<W, H, s.type, s.pred>;
+    });
     fill_slots(row_b, [](auto i) {
-        return get_diff_b<W, H, decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4>;
+        constexpr PhasePair s = pair_of(i);
+        return get_diff_b<W, H, s.fwd, s.bwd>;
     });
 }
 

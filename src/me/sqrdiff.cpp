@@ -19,7 +19,6 @@ KvtStatus kvtiSqrDiff16x16B_8u32s(const Kvt8u* pSrcCur, int srcCurStep, const Kv
                                   int srcRefStepF, int mcTypeF, const Kvt8u* pSrcRefB, int srcRefStepB,
                                   int mcTypeB, Kvt32s* pSqrDiff) {
     if (!pSrcCur || !pSrcRefF || !pSrcRefB || !pSqrDiff) return kvtStsNullPointer;
-    const int pair = ((mcTypeF & kMcPhaseBits) >> 2) | (mcTypeB & kMcPhaseBits);
-    return me_dsp.sqrdiff16b[pair](pSrcCur, srcCurStep, pSrcRefF, srcRefStepF, pSrcRefB, srcRefStepB,
-                                   pSqrDiff);
+    return me_dsp.sqrdiff16b[pair_index(mcTypeF, mcTypeB)](pSrcCur, srcCurStep, pSrcRefF, srcRefStepF,
+                                                           pSrcRefB, srcRefStepB, pSqrDiff);
 }

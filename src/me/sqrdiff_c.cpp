@@ -48,8 +48,10 @@ KvtStatus sqrdiff16b(const uint8_t* cur, int cur_step, const uint8_t* fwd, int f
 
 void init_sqrdiff(MeDsp& d) {
     fill_slots(d.sqrdiff16, [](auto p) { return sqrdiff16<decltype(p)::value * 4>; });
-    fill_slots(d.sqrdiff16b,
-               [](auto i) { return sqrdiff16b<decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4>; });
+    fill_slots(d.sqrdiff16b, [](auto i) {
+        constexpr PhasePair s = pair_of(i);
+        return sqrdiff16b<s.fwd, s.bwd>;
+    });
 }
 
 }  // namespace kvt::KVT_C_NS

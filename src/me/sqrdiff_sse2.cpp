@@ -43,8 +43,10 @@ void init_sqrdiff(MeDsp& d) {
     const SqrDiffFn all[4] = {sqrdiff16<kMcFull>, sqrdiff16<kMcVertHalf>, sqrdiff16<kMcHorHalf>,
                               sqrdiff16<kMcBothHalf>};
     for (int p = kScalarC ? 0 : 2; p < 4; ++p) d.sqrdiff16[p] = all[p];
-    fill_slots(d.sqrdiff16b,
-               [](auto i) { return sqrdiff16b<decltype(i)::value % 4 * 4, decltype(i)::value / 4 * 4>; });
+    fill_slots(d.sqrdiff16b, [](auto i) {
+        constexpr PhasePair s = pair_of(i);
+        return sqrdiff16b<s.fwd, s.bwd>;
+    });
 }
 
 }  // namespace kvt::sse2

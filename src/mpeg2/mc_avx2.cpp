@@ -145,25 +145,25 @@ template <int w, int h, int phase, int r>
 // named above.
 void init_mc(McDsp& d) {
     fill_slots(d.mc, [&d](auto i) {
-        constexpr int I = decltype(i)::value;
-        if constexpr (kMcShapes[I / 4].w == 16)
-            return McFn(&mc<I / 4, I % 4>);
+        constexpr McSlot s = mc_slot_of(i);
+        if constexpr (kMcShapes[s.shape].w == 16)
+            return McFn(&mc<s.shape, s.phase>);
         else
-            return d.mc[I];
+            return d.mc[i];
     });
     fill_slots(d.mc_bi, [&d](auto i) {
-        constexpr int I = decltype(i)::value;
-        if constexpr (kMcShapes[I / 16].w == 16)
-            return McBiFn(&mc_bi<I / 16, I % 4, I / 4 % 4>);
+        constexpr McBiSlot s = mc_bi_slot_of(i);
+        if constexpr (kMcShapes[s.shape].w == 16)
+            return McBiFn(&mc_bi<s.shape, s.fwd, s.bwd>);
         else
-            return d.mc_bi[I];
+            return d.mc_bi[i];
     });
     fill_slots(d.copy, [&d](auto i) {
-        constexpr int I = decltype(i)::value;
-        if constexpr (I / 2 % 4 == 3 || (I / 2 % 4 == 1 && I % 2 == 1))
-            return McCopyFn(&copy<kMcBlockSizes[I / 24], kMcBlockSizes[I / 8 % 3], I / 2 % 4, I % 2>);
+        constexpr CopySlot s = copy_slot_of(i);
+        if constexpr (s.phase == 3 || (s.phase == 1 && s.rounding == 1))
+            return McCopyFn(&copy<s.w, s.h, s.phase, s.rounding>);
         else
-            return d.copy[I];
+            return d.copy[i];
     });
 }
 

@@ -68,16 +68,16 @@ KvtStatus copy(const uint8_t* src, int src_step, uint8_t* dst, int dst_step) {
 
 void init_mc(McDsp& d) {
     fill_slots(d.mc, [](auto i) {
-        constexpr int I = decltype(i)::value;
-        return &mc<I / 4, I % 4>;
+        constexpr McSlot s = mc_slot_of(i);
+        return &mc<s.shape, s.phase>;
     });
     fill_slots(d.mc_bi, [](auto i) {
-        constexpr int I = decltype(i)::value;
-        return &mc_bi<I / 16, I % 4, I / 4 % 4>;
+        constexpr McBiSlot s = mc_bi_slot_of(i);
+        return &mc_bi<s.shape, s.fwd, s.bwd>;
     });
     fill_slots(d.copy, [](auto i) {
-        constexpr int I = decltype(i)::value;
-        return &copy<kMcBlockSizes[I / 24], kMcBlockSizes[I / 8 % 3], I / 2 % 4, I % 2>;
+        constexpr CopySlot s = copy_slot_of(i);
+        return &copy<s.w, s.h, s.phase, s.rounding>;
     });
 }
 

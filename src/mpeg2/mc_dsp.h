@@ -69,6 +69,35 @@ constexpr int copy_index(int wi, int hi, int phase, int rounding) {
     return ((wi * 3 + hi) * 4 + phase) * 2 + rounding;
 }
 
+// What a slot stands for: the inverses of the index helpers, for tables filled from templates.
+struct McSlot {
+    int shape, phase;
+};
+struct McBiSlot {
+    int shape, fwd, bwd;
+};
+struct CopySlot {
+    int w, h, phase, rounding;  // w and h in samples
+};
+constexpr McSlot mc_slot_of(int i) { return {i / 4, i % 4}; }
+constexpr McBiSlot mc_bi_slot_of(int i) { return {i / 16, i % 4, i / 4 % 4}; }
+constexpr CopySlot copy_slot_of(int i) {
+    return {kMcBlockSizes[i / 24], kMcBlockSizes[i / 8 % 3], i / 2 % 4, i % 2};
+}
+static_assert([] {
+    for (int i = 0; i < kMcShapeCount * 4; ++i)
+        if (mc_index(mc_slot_of(i).shape, mc_slot_of(i).phase) != i) return false;
+    for (int i = 0; i < kMcShapeCount * 16; ++i) {
+        const McBiSlot s = mc_bi_slot_of(i);
+        if (mc_bi_index(s.shape, s.fwd, s.bwd) != i) return false;
+    }
+    for (int i = 0; i < 72; ++i) {
+        const CopySlot s = copy_slot_of(i);  // sizes 4, 8, 16 are indices 0, 1, 2
+        if (copy_index(s.w / 8, s.h / 8, s.phase, s.rounding) != i) return false;
+    }
+    return true;
+}());
+
 namespace c {
 void init_mc(McDsp& d);
 }

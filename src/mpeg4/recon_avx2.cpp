@@ -18,11 +18,11 @@ constexpr bool vex_pays_recon(int slot) { return slot / 2 != 3 && slot != recon_
 template <int n>
 void fill_copies(PredictFn (&slots)[8]) {
     fill_slots(slots, [&slots](auto i) {
-        constexpr int I = decltype(i)::value;
-        if constexpr (vex_pays<n>(I))
-            return PredictFn(&copy<n, I / 2, I % 2>);
+        constexpr ReconSlot s = recon_slot_of(i);
+        if constexpr (vex_pays<n>(i))
+            return PredictFn(&copy<n, s.phase, s.rounding>);
         else
-            return slots[I];
+            return slots[i];
     });
 }
 
@@ -32,11 +32,11 @@ void init_recon(ReconDsp& d) {
     fill_copies<16>(d.predict16);
     fill_copies<8>(d.predict8);
     fill_slots(d.recon8, [&d](auto i) {
-        constexpr int I = decltype(i)::value;
-        if constexpr (vex_pays_recon(I))
-            return ReconFn(&recon8<I / 2, I % 2>);
+        constexpr ReconSlot s = recon_slot_of(i);
+        if constexpr (vex_pays_recon(i))
+            return ReconFn(&recon8<s.phase, s.rounding>);
         else
-            return d.recon8[I];
+            return d.recon8[i];
     });
     d.recon16 = recon16;
 }

@@ -60,9 +60,11 @@ KvtStatus average(const uint8_t* a, int a_step, const uint8_t* b, int b_step, ui
 }  // namespace
 
 void init_recon(ReconDsp& d) {
-    fill_slots(d.predict16, [](auto i) { return &copy<16, decltype(i)::value / 2, decltype(i)::value % 2>; });
-    fill_slots(d.predict8, [](auto i) { return &copy<8, decltype(i)::value / 2, decltype(i)::value % 2>; });
-    fill_slots(d.recon8, [](auto i) { return &recon8<decltype(i)::value / 2, decltype(i)::value % 2>; });
+    fill_slots(d.predict16,
+               [](auto i) { return &copy<16, recon_slot_of(i).phase, recon_slot_of(i).rounding>; });
+    fill_slots(d.predict8,
+               [](auto i) { return &copy<8, recon_slot_of(i).phase, recon_slot_of(i).rounding>; });
+    fill_slots(d.recon8, [](auto i) { return &recon8<recon_slot_of(i).phase, recon_slot_of(i).rounding>; });
     d.recon16 = recon16;
     d.average16 = average<16>;
     d.average8 = average<8>;

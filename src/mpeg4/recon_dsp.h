@@ -17,6 +17,16 @@ namespace kvt {
 constexpr bool recon_half_h(int phase) { return phase & 1; }
 constexpr bool recon_half_v(int phase) { return phase & 2; }
 constexpr int recon_index(int phase, int r) { return phase * 2 + r; }
+// What a slot stands for (the inverse of recon_index), for tables filled from templates.
+struct ReconSlot {
+    int phase, rounding;
+};
+constexpr ReconSlot recon_slot_of(int i) { return {i / 2, i % 2}; }
+static_assert([] {
+    for (int i = 0; i < 8; ++i)
+        if (recon_index(recon_slot_of(i).phase, recon_slot_of(i).rounding) != i) return false;
+    return true;
+}());
 
 // Prediction only.
 using PredictFn = KvtStatus (*)(const uint8_t* src, int src_step, uint8_t* dst, int dst_step);

@@ -32,12 +32,14 @@ KvtStatus average16(const uint8_t* a, int a_step, const uint8_t* b, int b_step, 
 }  // namespace
 
 void init_recon(ReconDsp& d) {
-    fill_slots(d.predict16, [](auto i) { return &copy<16, decltype(i)::value / 2, decltype(i)::value % 2>; });
+    fill_slots(d.predict16,
+               [](auto i) { return &copy<16, recon_slot_of(i).phase, recon_slot_of(i).rounding>; });
     d.predict16[recon_index(0, 0)] = d.predict16[recon_index(0, 1)] = copy16;
     d.predict16[recon_index(2, 0)] = copy16_half_v;
-    fill_slots(d.predict8, [](auto i) { return &copy<8, decltype(i)::value / 2, decltype(i)::value % 2>; });
+    fill_slots(d.predict8,
+               [](auto i) { return &copy<8, recon_slot_of(i).phase, recon_slot_of(i).rounding>; });
     d.predict8[recon_index(1, 0)] = copy8_half_h;
-    fill_slots(d.recon8, [](auto i) { return &recon8<decltype(i)::value / 2, decltype(i)::value % 2>; });
+    fill_slots(d.recon8, [](auto i) { return &recon8<recon_slot_of(i).phase, recon_slot_of(i).rounding>; });
     d.recon16 = recon16;
     d.average16 = average16;
     d.average8 = average8;
