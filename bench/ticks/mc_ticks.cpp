@@ -4,6 +4,10 @@
 // peer's hpeldsp test lays out its own: 16-byte aligned, step 64, source 8 rows and 16 samples in.
 //
 //   taskset -c 1 build/release/bench/kvtvc-ticks-mc       (run 3 times, take the minimum)
+//   taskset -c 1 build/release/bench/kvtvc-ticks-mc --steady
+//
+// --steady times 16 calls per sample instead of 4 (checkasm_timing.h): a function's own work
+// then shows as what it adds to each call once the calls overlap fully.
 //
 // Rows ending in "kernel" time the kernel the exported function hands over to, called through a
 // pointer with its arguments ready, as the peer's rows are: the difference is the function's own
@@ -27,9 +31,9 @@ namespace {
 alignas(4096) uint8_t plane[4 * 4096];
 alignas(32) int16_t residual[1024];
 
-}  // namespace
-
-int main() {
+// Every row, `calls` calls per sample.
+template <int calls>
+void run() {
     constexpr int kStep = 64;
     uint8_t* const src_plane = plane;
     uint8_t* const dst = plane + 8192 + 3072;  // no 4 KiB aliasing with the source rows
@@ -39,7 +43,7 @@ int main() {
     const uint8_t* const src = src_plane + 8 * kStep + 16;
 
     const auto row = [&](const std::string& name, const char* peer, auto call) {
-        std::printf("%-46s  %6.1f   %s\n", name.c_str(), kvt::bench::checkasm_ticks(call), peer);
+        std::printf("%-46s  %6.1f   %s\n", name.c_str(), kvt::bench::checkasm_ticks<calls>(call), peer);
     };
     static const char* const kPhase[4] = {"ff", "hf", "fh", "hh"};
     static const char* const kPeer16[2][4] = {
@@ -112,5 +116,14 @@ int main() {
         row("kvtiMC8x8_8u_C1" + args, "",
             [&] { kvtiMC8x8_8u_C1(src, kStep, residual, 16, dst, kStep, type, 0); });
     }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 1 && std::string(argv[1]) == "--steady")
+        run<16>();
+    else
+        run<4>();
     return 0;
 }
