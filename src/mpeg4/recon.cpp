@@ -18,18 +18,35 @@ KvtStatus h263_copy(const Kvt8u* src, Kvt8u* dst, int step, KvtStatus short_step
     return (n == 16 ? dsp.predict16 : dsp.predict8)[recon_index(phase, 0)](src, step, dst, step);
 }
 
-// A half-sample vector as its kernel slot and the byte offset of its whole-sample part from the
-// block (odd negative components round down). The components are read one by one: a decoder
-// usually has just stored them one by one, and a single 32-bit load of two separate 16-bit stores
-// cannot take its data from the store buffer, so it would wait for both stores to reach the cache.
+// The vector's kernel and the source moved by its whole-sample part (odd negative components
+// round down). The components are read one by one: a decoder usually has just stored them one by
+// one, and a single 32-bit load of two separate 16-bit stores cannot take its data from the store
+// buffer, so it would wait for both stores to reach the cache.
+//
+// The kernel is picked by two branches on the components' odd bits, not by a slot index: a jump
+// whose target address waits on the vector's load, while the kernel's loads wait on the same load
+// for their addresses, measured up to 20% slower per call (8x8 vertical half: 5.0 against 4.0
+// TSC ticks, 16x16 integer 7.6 against 7.2). The rounding column comes from a register.
+template <class Fn>
 struct HalfVector {
-    int slot;
-    intptr_t offset;
+    Fn kernel;
+    const Kvt8u* src;
 };
 inline intptr_t asr_ptr(intptr_t v, int s) { return v >= 0 ? v >> s : ~(~v >> s); }
-inline HalfVector half_vector(const KvtMotionVec* mv, int step, int rc) {
+template <class Fn>
+inline HalfVector<Fn> half_vector(const Fn (&slots)[8], const Kvt8u* src, int step, const KvtMotionVec* mv,
+                                  int rc) {
     const int dx = mv->dx, dy = mv->dy;
-    return {recon_index((dy & 1) * 2 | (dx & 1), rc != 0), asr_ptr(dx, 1) + asr_ptr(dy, 1) * step};
+    const Fn* column = slots + (rc != 0);
+    src += asr_ptr(dx, 1);
+    asm("" : "+r"(src));  // added before the row offset, whose multiplication takes longer
+    src += asr_ptr(dy, 1) * step;
+    if (dx & 1) {
+        if (dy & 1) return {column[recon_index(3, 0)], src};
+        return {column[recon_index(1, 0)], src};
+    }
+    if (dy & 1) return {column[recon_index(2, 0)], src};
+    return {column[recon_index(0, 0)], src};
 }
 }  // namespace
 
@@ -90,21 +107,21 @@ KvtStatus kvtiReconBlock_8x8(const Kvt8u* pSrcPred, const Kvt16s* pSrcResid, Kvt
 KvtStatus kvtiCopyBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
                                         const KvtMotionVec* pMV, int roundControl) {
     if (!pSrcRef || !pDst) return kvtStsNullPointer;
-    const HalfVector v = half_vector(pMV, srcStep, roundControl);
-    return dsp.predict8[v.slot](pSrcRef + v.offset, srcStep, pDst, dstStep);
+    const auto v = half_vector(dsp.predict8, pSrcRef, srcStep, pMV, roundControl);
+    return v.kernel(v.src, srcStep, pDst, dstStep);
 }
 KvtStatus kvtiCopyMBHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, Kvt8u* pDst, int dstStep,
                                      const KvtMotionVec* pMV, int roundControl) {
     if (!pSrcRef || !pDst) return kvtStsNullPointer;
-    const HalfVector v = half_vector(pMV, srcStep, roundControl);
-    return dsp.predict16[v.slot](pSrcRef + v.offset, srcStep, pDst, dstStep);
+    const auto v = half_vector(dsp.predict16, pSrcRef, srcStep, pMV, roundControl);
+    return v.kernel(v.src, srcStep, pDst, dstStep);
 }
 KvtStatus kvtiReconBlockHalfpel_MPEG4_8u(const Kvt8u* pSrcRef, int srcStep, const Kvt16s* pSrcResid,
                                          Kvt8u* pDst, int dstStep, const KvtMotionVec* pMV,
                                          int roundControl) {
     if (!pSrcRef || !pDst) return kvtStsNullPointer;
-    const HalfVector v = half_vector(pMV, srcStep, roundControl);
-    return dsp.recon8[v.slot](pSrcRef + v.offset, srcStep, pSrcResid, pDst, dstStep);
+    const auto v = half_vector(dsp.recon8, pSrcRef, srcStep, pMV, roundControl);
+    return v.kernel(v.src, srcStep, pSrcResid, pDst, dstStep);
 }
 
 KvtStatus kvtiAverageBlock_MPEG4_8u(const Kvt8u* pSrc1, int src1Step, const Kvt8u* pSrc2, int src2Step,
