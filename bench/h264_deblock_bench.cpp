@@ -67,9 +67,10 @@ void row(const char* function, DeblockFn DeblockDsp::*slot, const Config& c) {
         Picture pic;
         static const uint8_t alpha[2] = {40, 40}, beta[2] = {10, 10},
                              tc0[16] = {2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2};
+        const uint8_t* const bs = c.bs;  // a local: kept in a register across the calls
         return checkasm_sample_ticks(
             [&](unsigned) {
-                for (uint8_t* mb : pic.mb) k(mb, kStep, alpha, beta, tc0, c.bs);
+                for (uint8_t* mb : pic.mb) k(mb, kStep, alpha, beta, tc0, bs);
             },
             [&] { pic.restore(); });
     });

@@ -67,7 +67,8 @@ void luma_rows(int w, int h) {
             const auto k = luma_kernel(table_in_use(init_interp_dsp), w, h, pos);
             PeerBuffers b;
             const uint8_t* const src = b.src + 96;
-            return checkasm_ticks([&] { k(src, w, b.dst, w, h); });
+            const int width = w, height = h;  // locals: kept in registers across the calls
+            return checkasm_ticks([&] { k(src, width, b.dst, width, height); });
         });
     }
 }
@@ -91,7 +92,8 @@ void chroma_row(int w, int h, int dx, int dy) {
         const auto k = table_in_use(init_interp_dsp).chroma[wc];
         PeerBuffers b;
         const uint8_t* const src = b.plane + 8 * 64 + 16;
-        return checkasm_ticks([&] { k(src, 64, b.dst, 64, dx, dy, h); });
+        const int mx = dx, my = dy, height = h;  // locals: kept in registers across the calls
+        return checkasm_ticks([&] { k(src, 64, b.dst, 64, mx, my, height); });
     });
 }
 
@@ -114,8 +116,9 @@ void weight_row(int w, int h) {
     add_checkasm_column("kvtiWeightedAverage_H264", args, [slot, h] {
         const auto k = table_in_use(init_weight_dsp).average_small[slot];
         PeerBuffers b;
+        const int height = h;  // a local: kept in a register across the calls
         return checkasm_sample_ticks([&](unsigned) {
-            for (int j = 0; j < 4; ++j) k(b.plane, b.blocks[j], 64, 40, -12, 6, -3, h);
+            for (int j = 0; j < 4; ++j) k(b.plane, b.blocks[j], 64, 40, -12, 6, -3, height);
         });
     });
 }

@@ -81,11 +81,12 @@ void ticks_rows(const std::string& args, bool ac) {
     });
     add_ticks_row(name + "/front", [ac] {
         Sets s;
+        const int has_ac = ac;  // a local: kept in a register across the calls
         return checkasm_sample_ticks([&](unsigned i) {
             Data* b = s.set + (i & 1) * 4;
             for (int j = 0; j < 4; ++j)
                 kvtiDequantTransformResidualAndAdd_H264_16s_C1I(b[j].dst, b[j].c, nullptr, b[j].dst, 16, 16,
-                                                                kQP, ac);
+                                                                kQP, has_ac);
         });
     });
 }
