@@ -99,7 +99,7 @@ void run() {
     row("kvtiAverageMB_MPEG4_8u_I", "avg_pixels16",
         [&] { kvtiAverageMB_MPEG4_8u_I(src, kStep, dst, kStep); });
     row("kvtiAverageMB_MPEG4_8u_I kernel", "avg_pixels16",
-        [&] { dsp.average16(src, kStep, dst, kStep, dst, kStep); });
+        [&, average16 = dsp.average16] { average16(src, kStep, dst, kStep, dst, kStep); });
     row("kvtiAverageBlock_MPEG4_8u", "avg_pixels8 (dst is one source)",
         [&] { kvtiAverageBlock_MPEG4_8u(src, kStep, src2, kStep, dst, kStep); });
     row("kvtiAverageBlock_MPEG4_8u_I", "avg_pixels8",
