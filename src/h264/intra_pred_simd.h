@@ -251,8 +251,24 @@ KvtStatus plane(uint8_t* p, int step) {
         }
     } else {
         __m128i hi = _mm_add_epi16(lo, _mm_set1_epi16(int16_t(8 * b)));
+#if defined(__AVX2__)
+        // Two rows a register (samples 0..7 of row y, then of row y + 1; and 8..15), so that one
+        // pack gives rows y and y + 1 in order: 3.5 instructions a row instead of 6.
+        const auto two_rows = [vc](__m128i r) {
+            return _mm256_inserti128_si256(_mm256_castsi128_si256(r), _mm_add_epi16(r, vc), 1);
+        };
+        const __m256i step2 = _mm256_set1_epi16(int16_t(2 * c));
+        __m256i left = two_rows(lo), right = two_rows(hi);
+        for (int y = 0; y < N; y += 2) {
+            const __m256i v = _mm256_packus_epi16(_mm256_srai_epi16(left, 5), _mm256_srai_epi16(right, 5));
+            store_row<N>(row(p, step, y), _mm256_castsi256_si128(v));
+            store_row<N>(row(p, step, y + 1), _mm256_extracti128_si256(v, 1));
+            left = _mm256_add_epi16(left, step2), right = _mm256_add_epi16(right, step2);
+        }
+#else
         for (int y = 0; y < N; ++y, lo = _mm_add_epi16(lo, vc), hi = _mm_add_epi16(hi, vc))
             store_row<N>(row(p, step, y), _mm_packus_epi16(_mm_srai_epi16(lo, 5), _mm_srai_epi16(hi, 5)));
+#endif
     }
     return kvtStsOk;
 }
