@@ -429,7 +429,33 @@ KVT_INLINE void transpose16(__m128i (&r)[16]) {
 // row addresses fit in the call-clobbered registers.
 KVT_INLINE EdgeLanes chroma_lanes(const uint8_t* alpha, const uint8_t* beta, const uint8_t* tc0,
                                   const uint8_t* bs) {
-#if defined(__SSSE3__)
+#if defined(__AVX2__)
+    // Each argument broadcast to both 128-bit halves by its load, then one in-half byte shuffle
+    // that picks edge 0's bytes in the low half and edge 4's in the high half, zero-extended to
+    // 16 bits (0x80 selects zero).
+    alignas(32) static constexpr int8_t kPair[32] = {0, -128, 0, -128, 0, -128, 0, -128, 0, -128, 0, -128,
+                                                     0, -128, 0, -128, 1, -128, 1, -128, 1, -128, 1, -128,
+                                                     1, -128, 1, -128, 1, -128, 1, -128};
+    alignas(32) static constexpr int8_t kTc0[32] = {0, -128, 0, -128, 1, -128, 1, -128, 2, -128, 2, -128,
+                                                    3, -128, 3, -128, 4, -128, 4, -128, 5, -128, 5, -128,
+                                                    6, -128, 6, -128, 7, -128, 7, -128};
+    alignas(32) static constexpr int8_t kBs[32] = {0,  -128, 0,  -128, 1,  -128, 1,  -128, 2, -128, 2, -128,
+                                                   3,  -128, 3,  -128, 8,  -128, 8,  -128, 9, -128, 9, -128,
+                                                   10, -128, 10, -128, 11, -128, 11, -128};
+    const auto spread = [](__m256i v, const int8_t(&mask)[32]) {
+        return V16{_mm256_shuffle_epi8(v, _mm256_load_si256(reinterpret_cast<const __m256i*>(mask)))};
+    };
+    const auto pair = [&](const uint8_t* p) {
+        int16_t v;
+        std::memcpy(&v, p, 2);
+        return spread(_mm256_set1_epi16(v), kPair);
+    };
+    int64_t t;
+    std::memcpy(&t, tc0, 8);
+    const V16 b = spread(_mm256_broadcastsi128_si256(load16(bs)), kBs);
+    return {pair(alpha), pair(beta), less(V16::splat(0), b), less(V16::constant<3>(), b),
+            spread(_mm256_set1_epi64x(t), kTc0)};
+#elif defined(__SSSE3__)
     // Byte shuffles spread the argument bytes over the lanes: alpha / beta by edge, bS / tc0 by
     // segment; the strength masks come from 16-bit compares.
     const auto pair = [](const uint8_t* p) {
