@@ -424,53 +424,47 @@ KVT_INLINE void transpose16(__m128i (&r)[16]) {
     return kvtStsOk;
 }
 
+#if defined(__AVX2__)
+// The argument byte each of the sixteen chroma lanes takes: alpha and beta by edge (byte 0 for
+// edge 0's lanes, byte 1 for edge 4's), tc0 by segment, and bS of luma edges 0 and 2 (bytes 0..3
+// and 8..11 of the 16) by segment.
+constexpr int8_t kByEdge[16] = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1};
+constexpr int8_t kTc0BySegment[16] = {0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7};
+constexpr int8_t kBsBySegment[16] = {0, 0, 1, 1, 2, 2, 3, 3, 8, 8, 9, 9, 10, 10, 11, 11};
+// Those picks as one 256-bit in-half byte shuffle that also zero-extends to 16 bits (0x80 selects
+// zero), for an argument whose load broadcast it to both 128-bit halves.
+struct alignas(32) WideningMask {
+    int8_t b[32];
+};
+constexpr WideningMask widening(const int8_t (&pick)[16]) {
+    WideningMask m{};
+    for (int i = 0; i < 16; ++i) m.b[2 * i] = pick[i], m.b[2 * i + 1] = -128;
+    return m;
+}
+inline V16 pick_lanes(__m256i v, const WideningMask& m) {
+    return {_mm256_shuffle_epi8(v, _mm256_load_si256(reinterpret_cast<const __m256i*>(m.b)))};
+}
+#endif
+
 // The lanes of both chroma edges (edge 0 in lanes 0..7, edge 4 in 8..15) from the argument bytes.
 // The kernels build them before they load any row: the argument pointers are then dead, and the
 // row addresses fit in the call-clobbered registers.
 KVT_INLINE EdgeLanes chroma_lanes(const uint8_t* alpha, const uint8_t* beta, const uint8_t* tc0,
                                   const uint8_t* bs) {
 #if defined(__AVX2__)
-    // Each argument broadcast to both 128-bit halves by its load, then one in-half byte shuffle
-    // that picks edge 0's bytes in the low half and edge 4's in the high half, zero-extended to
-    // 16 bits (0x80 selects zero).
-    alignas(32) static constexpr int8_t kPair[32] = {0, -128, 0, -128, 0, -128, 0, -128, 0, -128, 0, -128,
-                                                     0, -128, 0, -128, 1, -128, 1, -128, 1, -128, 1, -128,
-                                                     1, -128, 1, -128, 1, -128, 1, -128};
-    alignas(32) static constexpr int8_t kTc0[32] = {0, -128, 0, -128, 1, -128, 1, -128, 2, -128, 2, -128,
-                                                    3, -128, 3, -128, 4, -128, 4, -128, 5, -128, 5, -128,
-                                                    6, -128, 6, -128, 7, -128, 7, -128};
-    alignas(32) static constexpr int8_t kBs[32] = {0,  -128, 0,  -128, 1,  -128, 1,  -128, 2, -128, 2, -128,
-                                                   3,  -128, 3,  -128, 8,  -128, 8,  -128, 9, -128, 9, -128,
-                                                   10, -128, 10, -128, 11, -128, 11, -128};
-    const auto spread = [](__m256i v, const int8_t(&mask)[32]) {
-        return V16{_mm256_shuffle_epi8(v, _mm256_load_si256(reinterpret_cast<const __m256i*>(mask)))};
-    };
-    const auto pair = [&](const uint8_t* p) {
+    // Each argument broadcast by its load, then one shuffle.
+    static constexpr WideningMask kEdge = widening(kByEdge), kTc0 = widening(kTc0BySegment),
+                                  kBs = widening(kBsBySegment);
+    const auto pair = [](const uint8_t* p) {
         int16_t v;
         std::memcpy(&v, p, 2);
-        return spread(_mm256_set1_epi16(v), kPair);
+        return pick_lanes(_mm256_set1_epi16(v), kEdge);
     };
     int64_t t;
     std::memcpy(&t, tc0, 8);
-    const V16 b = spread(_mm256_broadcastsi128_si256(load16(bs)), kBs);
+    const V16 b = pick_lanes(_mm256_broadcastsi128_si256(load16(bs)), kBs);
     return {pair(alpha), pair(beta), less(V16::splat(0), b), less(V16::constant<3>(), b),
-            spread(_mm256_set1_epi64x(t), kTc0)};
-#elif defined(__SSSE3__)
-    // Byte shuffles spread the argument bytes over the lanes: alpha / beta by edge, bS / tc0 by
-    // segment; the strength masks come from 16-bit compares.
-    const auto pair = [](const uint8_t* p) {
-        uint16_t v;
-        std::memcpy(&v, p, 2);
-        return V16::widen(_mm_shuffle_epi8(_mm_cvtsi32_si128(v),
-                                           _mm_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1)));
-    };
-    const __m128i by_segment = _mm_setr_epi8(0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7);
-    // Strengths of luma edges 0 and 2 (bytes 0..3 and 8..11 of the 16) by segment.
-    const V16 b = V16::widen(
-        _mm_shuffle_epi8(load16(bs), _mm_setr_epi8(0, 0, 1, 1, 2, 2, 3, 3, 8, 8, 9, 9, 10, 10, 11, 11)));
-    const V16 three = V16::constant<3>();
-    return {pair(alpha), pair(beta), less(V16::splat(0), b), less(three, b),
-            V16::widen(_mm_shuffle_epi8(load8(tc0), by_segment))};
+            pick_lanes(_mm256_set1_epi64x(t), kTc0)};
 #else
     const auto halves = [](int a, int b) {
         return V16::widen(_mm_unpacklo_epi64(_mm_set1_epi8(char(a)), _mm_set1_epi8(char(b))));
