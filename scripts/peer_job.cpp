@@ -20,10 +20,12 @@
 #include <vector>
 
 extern "C" {
+#include "libavcodec/avcodec.h"
 #include "libavcodec/codec_id.h"
 #include "libavcodec/h264dsp.h"
 #include "libavcodec/h264pred.h"
 #include "libavcodec/hpeldsp.h"
+#include "libavcodec/me_cmp.h"
 void ff_add_pixels_clamped_sse2(const int16_t* block, uint8_t* pixels, ptrdiff_t line_size);
 }
 #include "kvtvc.h"
@@ -48,9 +50,10 @@ double median(std::vector<double> v) {
     return v[v.size() / 2];
 }
 
-// One row: ours(run) and peer(run) each make kCalls calls; restore(ours_side) runs before each,
-// untimed. Rows with mixed phases or modes give every run its own sequence, as a picture does (a
-// sequence repeated thousands of times is one a branch predictor learns).
+// One row: ours(run) and peer(run) each make kCalls calls (each keeps what it reads from its
+// captures in locals, which the calls cannot change: a capture is reloaded after every call);
+// restore(ours_side) runs before each, untimed. Rows with mixed phases or modes give every run its own
+// sequence, as a picture does (a sequence repeated thousands of times is one a branch predictor learns).
 using Run = std::function<void(int run)>;
 void row(
     const std::string& name, const Run& ours, const Run& peer,
@@ -98,25 +101,73 @@ void mpeg4_copies(const HpelDSPContext& c) {
                     name,
                     [&](int run) {
                         const KvtMotionVec* mvs = &mv[size_t(run) * kCalls];
+                        const int n_ = n, rc_ = rc;  // locals: the calls cannot change them
                         for (int i = 0; i < kCalls; ++i) {
-                            const uint8_t* src = at(ref_plane, i, n);
-                            uint8_t* dst = at(dst_plane, i, n);
-                            if (n == 16)
-                                kvtiCopyMBHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mvs[i], rc);
+                            const uint8_t* src = at(ref_plane, i, n_);
+                            uint8_t* dst = at(dst_plane, i, n_);
+                            if (n_ == 16)
+                                kvtiCopyMBHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mvs[i], rc_);
                             else
-                                kvtiCopyBlockHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mvs[i], rc);
+                                kvtiCopyBlockHalfpel_MPEG4_8u(src, kStep, dst, kStep, &mvs[i], rc_);
                         }
                     },
                     [&](int run) {
                         const KvtMotionVec* mvs = &mv[size_t(run) * kCalls];
+                        const int n_ = n;
                         for (int i = 0; i < kCalls; ++i) {
                             const int dx = mvs[i].dx, dy = mvs[i].dy;
-                            const uint8_t* src = at(ref_plane, i, n) + (dy >> 1) * kStep + (dx >> 1);
-                            table[n == 16 ? 0 : 1][(dx & 1) | (dy & 1) << 1](at(dst_plane, i, n), src, kStep,
-                                                                             n);
+                            const uint8_t* src = at(ref_plane, i, n_) + (dy >> 1) * kStep + (dx >> 1);
+                            table[n_ == 16 ? 0 : 1][(dx & 1) | (dy & 1) << 1](at(dst_plane, i, n_), src,
+                                                                              kStep, n_);
                         }
                     });
             }
+}
+
+// A motion search: the current block against reference positions around it, at one phase or
+// mixed; the SADs are summed so that none is dead.
+void block_sads(const MECmpContext& c) {
+    for (int n : {16, 8})
+        for (int phase = -1; phase < 4; ++phase) {
+            const std::vector<KvtMotionVec> mv = vectors(phase);
+            int sink = 0;
+            const uint8_t* cur = at(dst_plane, 0, 16);
+            row(
+                std::string(n == 16 ? "kvtiSAD16x16_8u32s" : "kvtiSAD8x8_8u32s_C1R") + " " +
+                    kPhase[phase + 1],
+                [&](int run) {
+                    const KvtMotionVec* mvs = &mv[size_t(run) * kCalls];
+                    const int n_ = n;
+                    const uint8_t* const cur_ = cur;
+                    int sum = 0;
+                    for (int i = 0; i < kCalls; ++i) {
+                        const int dx = mvs[i].dx, dy = mvs[i].dy;
+                        const uint8_t* ref = ref_plane + (64 + (dy >> 1)) * kStep + 64 + (dx >> 1);
+                        const int mode = (dx & 1) << 3 | (dy & 1) << 2;  // kvtMcHorHalf, kvtMcVertHalf
+                        Kvt32s s;
+                        if (n_ == 16)
+                            kvtiSAD16x16_8u32s(cur_, kStep, ref, kStep, &s, mode);
+                        else
+                            kvtiSAD8x8_8u32s_C1R(cur_, kStep, ref, kStep, &s, mode);
+                        sum += s;
+                    }
+                    sink += sum;
+                },
+                [&](int run) {
+                    const KvtMotionVec* mvs = &mv[size_t(run) * kCalls];
+                    const int n_ = n;
+                    const uint8_t* const cur_ = cur;
+                    int sum = 0;
+                    for (int i = 0; i < kCalls; ++i) {
+                        const int dx = mvs[i].dx, dy = mvs[i].dy;
+                        const uint8_t* ref = ref_plane + (64 + (dy >> 1)) * kStep + 64 + (dx >> 1);
+                        sum += c.pix_abs[n_ == 16 ? 0 : 1][(dx & 1) | (dy & 1) << 1](nullptr, cur_, ref,
+                                                                                     kStep, n_);
+                    }
+                    sink += sum;
+                });
+            if (sink == 42) std::puts("");
+        }
 }
 
 void averages_and_recon(const HpelDSPContext& c) {
@@ -165,13 +216,14 @@ void h264_residual(const H264DSPContext& d) {
         row(
             std::string("kvtiDequantTransformResidualAndAdd_H264_16s_C1I ") + (ac ? "AC" : "DC-only"),
             [&](int) {
+                const int ac_ = ac;
                 for (int i = 0; i < kCalls; ++i)
                     kvtiDequantTransformResidualAndAdd_H264_16s_C1I(
-                        at(dst_plane, i, 4), work[i], nullptr, at(dst_plane, i, 4), kStep, kStep, 28, ac);
+                        at(dst_plane, i, 4), work[i], nullptr, at(dst_plane, i, 4), kStep, kStep, 28, ac_);
             },
             [&](int) {
-                for (int i = 0; i < kCalls; ++i)
-                    (ac ? d.h264_idct_add : d.h264_idct_dc_add)(at(dst_plane, i, 4), work[i], kStep);
+                const auto idct = ac ? d.h264_idct_add : d.h264_idct_dc_add;
+                for (int i = 0; i < kCalls; ++i) idct(at(dst_plane, i, 4), work[i], kStep);
             },
             [&](bool ours_side) {
                 for (int i = 0; i < kCalls; ++i)
@@ -199,11 +251,12 @@ void h264_intra(const H264PredContext& h) {
             for (uint8_t& m : all_modes) m = uint8_t(mode < 0 ? rand() % s.modes : mode);
             const auto ours = [&](int run) {
                 const uint8_t* modes = &all_modes[size_t(run) * kCalls];
+                const int n = s.n;
                 for (int i = 0; i < kCalls; ++i) {
-                    uint8_t* p = at(dst_plane, i, s.n);
-                    if (s.n == 4)
+                    uint8_t* p = at(dst_plane, i, n);
+                    if (n == 4)
                         kvtiPredictIntra_4x4_H264_8u_C1IR(p, kStep, modes[i], 0x63);
-                    else if (s.n == 16)
+                    else if (n == 16)
                         kvtiPredictIntra_16x16_H264_8u_C1IR(p, kStep, modes[i], 0x23);
                     else
                         kvtiPredictIntraChroma8x8_H264_8u_C1IR(p, kStep, modes[i], 0x23);
@@ -211,14 +264,16 @@ void h264_intra(const H264PredContext& h) {
             };
             const auto peer = [&](int run) {
                 const uint8_t* modes = &all_modes[size_t(run) * kCalls];
+                const int n = s.n;
+                const int* const peer_mode = s.peer;
                 for (int i = 0; i < kCalls; ++i) {
-                    uint8_t* p = at(dst_plane, i, s.n);
-                    if (s.n == 4)
-                        h.pred4x4[s.peer[modes[i]]](p, p - kStep + 4, kStep);
-                    else if (s.n == 16)
-                        h.pred16x16[s.peer[modes[i]]](p, kStep);
+                    uint8_t* p = at(dst_plane, i, n);
+                    if (n == 4)
+                        h.pred4x4[peer_mode[modes[i]]](p, p - kStep + 4, kStep);
+                    else if (n == 16)
+                        h.pred16x16[peer_mode[modes[i]]](p, kStep);
                     else
-                        h.pred8x8[s.peer[modes[i]]](p, kStep);
+                        h.pred8x8[peer_mode[modes[i]]](p, kStep);
                 }
             };
             row(std::string(s.name) + " " +
@@ -235,6 +290,10 @@ int main() {
     for (uint8_t& v : dst_plane) v = uint8_t(rand());
     for (auto& block : levels)
         for (int16_t& v : block) v = int16_t(rand() % 61 - 30);
+    AVCodecContext avctx = {};
+    avctx.flags = kBitexact;  // the exact half-sample SADs
+    MECmpContext cmp;
+    ff_me_cmp_init(&cmp, &avctx);
     HpelDSPContext hpel;
     ff_hpeldsp_init(&hpel, kBitexact);
     H264DSPContext dsp;
@@ -242,6 +301,7 @@ int main() {
     H264PredContext pred;
     ff_h264_pred_init(&pred, AV_CODEC_ID_H264, 8, 1);
     std::printf("| row (runs of %d calls) | ours | peer | ours / peer |\n|---|---|---|---|\n", kCalls);
+    block_sads(cmp);
     mpeg4_copies(hpel);
     averages_and_recon(hpel);
     h264_residual(dsp);
