@@ -125,46 +125,43 @@ void mpeg4_copies(const HpelDSPContext& c) {
 }
 
 // A motion search: the current block against reference positions around it, at one phase or
-// mixed; the SADs are summed so that none is dead.
+// mixed. sad(reference, horizontal half, vertical half) is one call; the sums keep them alive.
+template <class Sad>
+int search(const KvtMotionVec* mvs, Sad sad) {
+    int sum = 0;
+    for (int i = 0; i < kCalls; ++i) {
+        const int dx = mvs[i].dx, dy = mvs[i].dy;
+        sum += sad(ref_plane + (64 + (dy >> 1)) * kStep + 64 + (dx >> 1), dx & 1, dy & 1);
+    }
+    return sum;
+}
+
 void block_sads(const MECmpContext& c) {
     for (int n : {16, 8})
         for (int phase = -1; phase < 4; ++phase) {
             const std::vector<KvtMotionVec> mv = vectors(phase);
+            const uint8_t* const cur = at(dst_plane, 0, 16);
             int sink = 0;
-            const uint8_t* cur = at(dst_plane, 0, 16);
             row(
                 std::string(n == 16 ? "kvtiSAD16x16_8u32s" : "kvtiSAD8x8_8u32s_C1R") + " " +
                     kPhase[phase + 1],
                 [&](int run) {
-                    const KvtMotionVec* mvs = &mv[size_t(run) * kCalls];
-                    const int n_ = n;
-                    const uint8_t* const cur_ = cur;
-                    int sum = 0;
-                    for (int i = 0; i < kCalls; ++i) {
-                        const int dx = mvs[i].dx, dy = mvs[i].dy;
-                        const uint8_t* ref = ref_plane + (64 + (dy >> 1)) * kStep + 64 + (dx >> 1);
-                        const int mode = (dx & 1) << 3 | (dy & 1) << 2;  // kvtMcHorHalf, kvtMcVertHalf
+                    sink += search(&mv[size_t(run) * kCalls], [n, cur](const uint8_t* ref, int hx, int hy) {
+                        const int mode = hx << 3 | hy << 2;  // kvtMcHorHalf, kvtMcVertHalf
                         Kvt32s s;
-                        if (n_ == 16)
-                            kvtiSAD16x16_8u32s(cur_, kStep, ref, kStep, &s, mode);
+                        if (n == 16)
+                            kvtiSAD16x16_8u32s(cur, kStep, ref, kStep, &s, mode);
                         else
-                            kvtiSAD8x8_8u32s_C1R(cur_, kStep, ref, kStep, &s, mode);
-                        sum += s;
-                    }
-                    sink += sum;
+                            kvtiSAD8x8_8u32s_C1R(cur, kStep, ref, kStep, &s, mode);
+                        return s;
+                    });
                 },
                 [&](int run) {
-                    const KvtMotionVec* mvs = &mv[size_t(run) * kCalls];
-                    const int n_ = n;
-                    const uint8_t* const cur_ = cur;
-                    int sum = 0;
-                    for (int i = 0; i < kCalls; ++i) {
-                        const int dx = mvs[i].dx, dy = mvs[i].dy;
-                        const uint8_t* ref = ref_plane + (64 + (dy >> 1)) * kStep + 64 + (dx >> 1);
-                        sum += c.pix_abs[n_ == 16 ? 0 : 1][(dx & 1) | (dy & 1) << 1](nullptr, cur_, ref,
-                                                                                     kStep, n_);
-                    }
-                    sink += sum;
+                    const me_cmp_func* table = c.pix_abs[n == 16 ? 0 : 1];
+                    sink += search(&mv[size_t(run) * kCalls],
+                                   [n, cur, table](const uint8_t* ref, int hx, int hy) {
+                                       return table[hx | hy << 1](nullptr, cur, ref, kStep, n);
+                                   });
                 });
             if (sink == 42) std::puts("");
         }
