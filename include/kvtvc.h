@@ -175,9 +175,12 @@ KVTAPI KvtStatus kvtiCountZeros8x8_16s_C1(const Kvt16s* pSrc, Kvt32u* pCount);
  *                   (code, value) for kvtiVCHuffmanInitAlloc_32s, (code, run, level) for
  *                   kvtiVCHuffmanInitAllocRL_32s, code being the code's bits right-aligned (first bit
  *                   most significant); a negative word in place of a count ends the description.
- * Codes longer than all levels together are ignored. A decoded plain value is the low 24 bits of
- * value, sign-extended; a run/level code decodes to level * 256 + (run & 255), level -32768..32767;
- * a code that decodes to 61681 reads as a miss.
+ * Codes longer than all levels together are ignored. A code's walk stays in the current table at
+ * a shorter code's leaf and, for kvtiVCHuffmanInitAlloc_32s, at a sub-table whose header is a word
+ * index that is a multiple of 256; a code whose entries would then lie past that table's end is
+ * ignored too. A decoded plain value is the low 24 bits of value, sign-extended; a run/level code
+ * decodes to level * 256 + (run & 255), level -32768..32767; a code that decodes to 61681 reads as
+ * a miss.
  * Capacity: a built table is one fixed block, 16384 words (64 KiB) for plain descriptions and
  * 262144 words (1 MiB) for run/level ones. It holds word 0, the 2^w0 root entries, and one header
  * word plus 2^w entries for every sub-table the codes open (w the width of its level). A

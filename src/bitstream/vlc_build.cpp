@@ -56,13 +56,21 @@ public:
         for (int level = 0;; ++level) {
             const int32_t w = widths_[level];
             sum += w;
+            // The walk can stay in a table narrower than this level (at a leaf, or at a pointer
+            // the plain builder does not follow). A code whose entries would then lie past that
+            // table's end is ignored: written there, it would land on the next table's header
+            // and leave a width that no lookup can read.
+            const int64_t extent = int64_t(1) << table_[header];
             if (sum >= len) {
                 const int32_t surplus = sum - len;
                 const uint32_t base = (code & low_mask(w - surplus)) << surplus;
+                if (base + (int64_t(1) << surplus) > extent) return;
                 replicate(table_ + header + 1 + base, leaf | uint32_t(surplus), int32_t(1) << surplus);
                 return;
             }
-            int32_t* entry = table_ + header + 1 + ((code >> (len - sum)) & low_mask(w));
+            const uint32_t index = (code >> (len - sum)) & low_mask(w);
+            if (index >= extent) return;
+            int32_t* entry = table_ + header + 1 + index;
             if (uint32_t(*entry) == kVlcEmpty)
                 header = open_table(entry, widths_[level + 1]);
             else if (follows_pointer<kind>(*entry))

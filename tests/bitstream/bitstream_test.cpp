@@ -263,6 +263,42 @@ TEST(VlcLayout, HandMadeDescriptions) {
     expect_layout({0, 1, 1, 1, 1, 0x1A3, -2, -1}, true, {{0, 1}, {2, int32_t(0xFFFEA300u)}});
 }
 
+// Widths 4, 2, 3 and 9-bit codes: ten second-level tables (5 words) and 21 third-level ones (9
+// words) from word 17 put the next third-level header at word 256. The plain builder does not
+// follow the pointer to it and stays in the second-level table of 4 entries, where index 4 of
+// the code 0 11 100 lies past the end, on the header of the table after it (word 22): that code
+// is ignored (a miss), every other code decodes, and the run/level builder places it.
+TEST(VlcLayout, CodesStayInsideTheTableTheWalkKeeps) {
+    std::vector<Symbol> symbols;
+    const auto add = [&](int root, int second, int third) {
+        const int code = root << 5 | second << 3 | third;
+        std::string bits;
+        for (int b = 8; b >= 0; --b) bits += char('0' + (code >> b & 1));
+        symbols.push_back({bits, 1000 + int32_t(symbols.size())});
+    };
+    for (int second = 0; second < 2; ++second)
+        for (int root = 0; root < 10; ++root) add(root, second, 0);
+    add(0, 2, 0);
+    add(0, 3, 0);  // opens the table at word 256
+    add(0, 3, 4);
+    const std::vector<int32_t> desc = describe({4, 2, 3}, symbols);
+    for (const bool rl : {false, true}) {
+        SCOPED_TRACE(rl ? "run/level" : "plain");
+        const Table t(rl ? as_run_level(desc) : desc, rl);
+        EXPECT_EQ(t.t[22], 3);
+        EXPECT_EQ(t.t[256], 3);
+        Rng rng(3);
+        for (const Symbol& s : symbols) {
+            std::vector<Kvt32u> w = pack(s.bits, 0, rng);
+            long pos = 0;
+            const bool ignored = !rl && &s == &symbols.back();
+            EXPECT_EQ(decode(t, w, pos), ignored ? Hit(kvtStsBadVlcCode, 61681) : Hit(kvtStsOk, s.field))
+                << s.bits;
+            EXPECT_EQ(pos, 9) << s.bits;
+        }
+    }
+}
+
 // Null checks of both constructors, of the decoder (stream address and table only; nothing is
 // written on failure) and of the release, which clears the pointer and accepts a null table.
 TEST(VlcStatus, ArgumentChecks) {
