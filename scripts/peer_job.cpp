@@ -52,8 +52,8 @@ double median(std::vector<double> v) {
 
 // One row: ours(run) and peer(run) each make kCalls calls (each keeps what it reads from its
 // captures in locals, which the calls cannot change: a capture is reloaded after every call);
-// restore(ours_side) runs before each, untimed. Rows with mixed phases or modes give every run its own
-// sequence, as a picture does (a sequence repeated thousands of times is one a branch predictor learns).
+// restore(ours_side) runs before each, untimed. Rows with mixed phases or modes give every run
+// its own sequence, as a picture does (one repeated thousands of times, a predictor learns).
 using Run = std::function<void(int run)>;
 void row(
     const std::string& name, const Run& ours, const Run& peer,
