@@ -84,6 +84,15 @@ void fill_slots(Fn (&slots)[N], Make make) {
     fill_slots_at(slots, make, std::make_index_sequence<N>());
 }
 
+// True when index_of_slot(i) == i for every slot i < n: a table's index helper applied to what its
+// inverse makes of a slot gives the slot back (checked at compile time beside each such pair).
+template <class IndexOfSlot>
+constexpr bool round_trips(int n, IndexOfSlot index_of_slot) {
+    for (int i = 0; i < n; ++i)
+        if (index_of_slot(i) != i) return false;
+    return true;
+}
+
 }  // namespace kvt
 
 #define KVT_DSP_TABLE(Type, init) [[gnu::init_priority(101)]] const ::kvt::LoadTimeTable<Type, init>

@@ -61,13 +61,8 @@ struct DiffSlot {
     bool pred;
 };
 constexpr DiffSlot diff_slot_of(int index) { return {index / 2 * 4, index % 2 != 0}; }
-static_assert([] {
-    for (int i = 0; i < 16; ++i)
-        if (pair_index(pair_of(i).fwd, pair_of(i).bwd) != i) return false;
-    for (int i = 0; i < 8; ++i)
-        if (diff_index(diff_slot_of(i).type, diff_slot_of(i).pred) != i) return false;
-    return true;
-}());
+static_assert(round_trips(16, [](int i) { return pair_index(pair_of(i).fwd, pair_of(i).bwd); }));
+static_assert(round_trips(8, [](int i) { return diff_index(diff_slot_of(i).type, diff_slot_of(i).pred); }));
 
 // Residual block sizes, the first index of get_diff and get_diff_b.
 enum ResidualSize { k16x16, k16x8, k8x16, k8x8, k8x4, kResidualSizes };

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/kernel.h"
 #include "kvtvc.h"
 
 namespace kvt {
@@ -84,19 +85,16 @@ constexpr McBiSlot mc_bi_slot_of(int i) { return {i / 16, i % 4, i / 4 % 4}; }
 constexpr CopySlot copy_slot_of(int i) {
     return {kMcBlockSizes[i / 24], kMcBlockSizes[i / 8 % 3], i / 2 % 4, i % 2};
 }
-static_assert([] {
-    for (int i = 0; i < kMcShapeCount * 4; ++i)
-        if (mc_index(mc_slot_of(i).shape, mc_slot_of(i).phase) != i) return false;
-    for (int i = 0; i < kMcShapeCount * 16; ++i) {
-        const McBiSlot s = mc_bi_slot_of(i);
-        if (mc_bi_index(s.shape, s.fwd, s.bwd) != i) return false;
-    }
-    for (int i = 0; i < 72; ++i) {
-        const CopySlot s = copy_slot_of(i);  // sizes 4, 8, 16 are indices 0, 1, 2
-        if (copy_index(s.w / 8, s.h / 8, s.phase, s.rounding) != i) return false;
-    }
-    return true;
-}());
+static_assert(round_trips(kMcShapeCount * 4,
+                          [](int i) { return mc_index(mc_slot_of(i).shape, mc_slot_of(i).phase); }));
+static_assert(round_trips(kMcShapeCount * 16, [](int i) {
+    const McBiSlot s = mc_bi_slot_of(i);
+    return mc_bi_index(s.shape, s.fwd, s.bwd);
+}));
+static_assert(round_trips(72, [](int i) {
+    const CopySlot s = copy_slot_of(i);  // sizes 4, 8, 16 are indices 0, 1, 2
+    return copy_index(s.w / 8, s.h / 8, s.phase, s.rounding);
+}));
 
 namespace c {
 void init_mc(McDsp& d);

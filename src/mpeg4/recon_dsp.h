@@ -10,6 +10,7 @@
 
 #include <cstdint>
 
+#include "common/kernel.h"
 #include "kvtvc.h"
 
 namespace kvt {
@@ -22,11 +23,9 @@ struct ReconSlot {
     int phase, rounding;
 };
 constexpr ReconSlot recon_slot_of(int i) { return {i / 2, i % 2}; }
-static_assert([] {
-    for (int i = 0; i < 8; ++i)
-        if (recon_index(recon_slot_of(i).phase, recon_slot_of(i).rounding) != i) return false;
-    return true;
-}());
+static_assert(round_trips(8, [](int i) {
+    return recon_index(recon_slot_of(i).phase, recon_slot_of(i).rounding);
+}));
 
 // Prediction only.
 using PredictFn = KvtStatus (*)(const uint8_t* src, int src_step, uint8_t* dst, int dst_step);
