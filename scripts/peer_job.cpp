@@ -1,6 +1,6 @@
 // peer-job: our exported functions and FFmpeg's DSP functions doing a decoder's job, timed as
-// runs of 64 calls on varied blocks (see scripts/peer-job, which builds this file against the
-// checkasm peer's FFmpeg tree; nothing of it is part of the library).
+// runs of 64 calls on varied blocks (see scripts/peer-job, which builds this file against an
+// FFmpeg source tree; nothing of it is part of the library).
 //
 // checkasm times four calls of one kernel with the same arguments, so it measures mostly how long
 // one call's instructions take to retire; a decoder makes long runs of calls on blocks all over a
