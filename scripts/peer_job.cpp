@@ -33,7 +33,6 @@ void ff_add_pixels_clamped_sse2(const int16_t* block, uint8_t* pixels, ptrdiff_t
 namespace {
 
 constexpr int kStep = 384, kCalls = 64, kRuns = 2000;
-constexpr int kBitexact = 1 << 23;  // AV_CODEC_FLAG_BITEXACT: FFmpeg's exact no-rounding copies
 
 alignas(64) uint8_t ref_plane[kStep * 128];
 alignas(64) uint8_t dst_plane[kStep * 128];
@@ -288,11 +287,11 @@ int main() {
     for (auto& block : levels)
         for (int16_t& v : block) v = int16_t(rand() % 61 - 30);
     AVCodecContext avctx = {};
-    avctx.flags = kBitexact;  // the exact half-sample SADs
+    avctx.flags = AV_CODEC_FLAG_BITEXACT;  // the exact half-sample SADs
     MECmpContext cmp;
     ff_me_cmp_init(&cmp, &avctx);
     HpelDSPContext hpel;
-    ff_hpeldsp_init(&hpel, kBitexact);
+    ff_hpeldsp_init(&hpel, AV_CODEC_FLAG_BITEXACT);  // the exact no-rounding copies
     H264DSPContext dsp;
     ff_h264dsp_init(&dsp, 8, 1);
     H264PredContext pred;
